@@ -1,0 +1,41 @@
+// Allocation failures on demand: the test programs replace operator new and delete, in all their forms.
+#pragma once
+
+#include "varnik/services/memory/Types.h"
+
+namespace faults {
+
+/// Makes the `k`-th allocation (from 1) of this thread fail, or that one and all after it, while the object lives.
+class FailAllocation {
+ public:
+  FailAllocation(u32 k, bool forGood);
+  ~FailAllocation();
+  FailAllocation(const FailAllocation&) = delete;
+  FailAllocation& operator=(const FailAllocation&) = delete;
+
+  /// True once an allocation was refused.
+  bool struck() const;
+};
+
+/// How many blocks this thread has allocated and not yet released (a block that another thread releases counts there).
+s64 liveBlocks();
+/// How many blocks this thread has asked for since it started.
+u64 allocations();
+/// The size of the block that this thread asked for last.
+u64 lastAllocation();
+
+/// Calls `operation(k, forGood)` for k = 1, 2, ..., each once and for good, until it answers that no refusal came. The
+/// operation makes its objects, holds a `FailAllocation(k, forGood)` around the call under test only, checks what the
+/// call left behind, and returns `struck()`. Returns how many refusals were made.
+template <class Operation>
+u32 failEachAllocation(Operation operation) {
+  u32 refusals = 0;
+  for (const bool forGood : {false, true})
+    for (u32 k = 1;; ++k) {
+      if (!operation(k, forGood)) break;
+      ++refusals;
+    }
+  return refusals;
+}
+
+}  // namespace faults

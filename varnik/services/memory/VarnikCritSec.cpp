@@ -1,0 +1,3 @@
+#include "varnik/services/memory/VarnikCritSec.h"
+
+VarnikCritSec::~VarnikCritSec() = default;
