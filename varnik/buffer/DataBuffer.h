@@ -231,7 +231,7 @@ class VARNIK_API DataBuffer : public VarnikObject {
   /// The bits of IEEE 754 binary64.
   bool appendDouble_le(double value);
   /// Appends `n` bytes of UTF-16LE text unchanged; null or 0 appends nothing and answers true.
-  bool appendUtf16_le(const void* text, u32 n) { return append(text, n); }
+  bool appendUtf16_le(const void* text, u32 n) { return !text || n == 0 || append(text, n); }
 
   /// Exchanges the bytes of every complete pair. Reverses every complete group of 4, and the 2 or 3 bytes left over.
   void byteSwap21();
@@ -448,7 +448,11 @@ class VARNIK_API DataBuffer : public VarnikObject {
   bool makeRoomForChars(u32 k);
   bool makeRoom(u32 n);
   bool ownsAddress(const void* p) const { return data_ && p >= data_ && p < data_ + capacity_; }
+  bool stage(const void* source, u32 n, DataBuffer& staged) const;
+  void insertInto(u32 pos, const void* source, u32 n);
+  void replaceBy(const u8* from, u32 n, u32 capacity);
   void releaseStorage();
+  void deallocate();
   void install(u8* block, u32 size, u32 capacity, bool borrowed);
 
   u32 size_ = 0;          // bytes in use; never above capacity_
