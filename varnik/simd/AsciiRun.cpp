@@ -1,0 +1,53 @@
+#include "varnik/simd/AsciiRun.h"
+
+#include <cstring>
+
+#if VARNIK_HAVE_AVX2
+#include <immintrin.h>
+#endif
+
+namespace vk_simd {
+
+u32 asciiRunScalar(const u8* data, u32 n) {
+  u32 i = 0;
+  for (; n - i >= 8; i += 8) {
+    u64 word;
+    std::memcpy(&word, data + i, 8);
+    if ((word & 0x8080808080808080) != 0) break;
+  }
+  while (i < n && data[i] < 0x80) ++i;
+  return i;
+}
+
+#if VARNIK_HAVE_AVX2
+namespace {
+
+[[VARNIK_AVX2]] inline __m256i load(const u8* p) {
+  return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
+}
+
+[[VARNIK_AVX2]] inline bool anyHigh(const u8* p) {
+  const __m256i a = _mm256_or_si256(load(p), load(p + 32)), b = _mm256_or_si256(load(p + 64), load(p + 96));
+  return _mm256_movemask_epi8(_mm256_or_si256(a, b)) != 0;
+}
+
+}  // namespace
+
+[[VARNIK_AVX2]] u32 asciiRunAvx2(const u8* data, u32 n) {
+  u32 i = 0;
+  while (n - i >= 128 && !anyHigh(data + i)) i += 128;
+  for (; n - i >= 32; i += 32)
+    if (const u32 high = static_cast<u32>(_mm256_movemask_epi8(load(data + i))); high != 0)
+      return i + static_cast<u32>(__builtin_ctz(high));
+  return i + asciiRunScalar(data + i, n - i);
+}
+#endif
+
+u32 asciiRun(const u8* data, u32 n) {
+#if VARNIK_HAVE_AVX2
+  if (hasAvx2()) return asciiRunAvx2(data, n);
+#endif
+  return asciiRunScalar(data, n);
+}
+
+}  // namespace vk_simd
