@@ -4,12 +4,14 @@
 #include <cstring>
 #include <new>
 
+#include "varnik/simd/Copy.h"
+
 u8* allocByteArray(u32 n) {
   return new (std::nothrow) u8[n];
 }
 
 void vk_memcpy(void* to, const void* from, u32 n) {
-  if (n != 0) std::memcpy(to, from, n);
+  vk_simd::copyBytes(static_cast<u8*>(to), static_cast<const u8*>(from), n);
 }
 
 void vk_memset(void* to, int value, u32 n) {
