@@ -1,6 +1,8 @@
 #include "tests/support/Allocations.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 namespace {
@@ -9,6 +11,10 @@ thread_local u32 countdown = 0;  // refuses when it falls to 1; 0 is unarmed
 thread_local bool refusesForGood = false, hasStruck = false;
 thread_local s64 live = 0;
 thread_local u64 asked = 0, last = 0;
+thread_local const void* watched = nullptr;
+thread_local u32 watchedSize = 0;
+thread_local bool wasReleased = false;
+thread_local u8 seen[64];
 
 void* allocate(std::size_t n) noexcept {
   if (countdown != 0) {
@@ -34,6 +40,11 @@ void* allocateOrThrow(std::size_t n) {
 }
 
 void release(void* block) noexcept {
+  if (block && block == watched) {
+    std::memcpy(seen, block, watchedSize);
+    wasReleased = true;
+    watched = nullptr;
+  }
   if (block) --live;
   std::free(block);
 }
@@ -83,6 +94,21 @@ FailAllocation::~FailAllocation() {
 }
 bool FailAllocation::struck() const {
   return hasStruck;
+}
+
+WatchRelease::WatchRelease(const void* block, u32 n) {
+  watched = block;
+  watchedSize = std::min<u32>(n, sizeof seen);
+  wasReleased = false;
+}
+WatchRelease::~WatchRelease() {
+  watched = nullptr;
+}
+bool WatchRelease::released() const {
+  return wasReleased;
+}
+const u8* WatchRelease::bytes() const {
+  return seen;
 }
 
 s64 liveBlocks() {

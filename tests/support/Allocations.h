@@ -17,6 +17,20 @@ class FailAllocation {
   bool struck() const;
 };
 
+/// Copies the first bytes of a block at the moment of its release, while the object lives.
+class WatchRelease {
+ public:
+  /// REQUIRES: the block has `n` bytes, `n` at most 64.
+  WatchRelease(const void* block, u32 n);
+  ~WatchRelease();
+  WatchRelease(const WatchRelease&) = delete;
+  WatchRelease& operator=(const WatchRelease&) = delete;
+
+  bool released() const;
+  /// The bytes as they were when the block was released. REQUIRES: `released()`.
+  const u8* bytes() const;
+};
+
 /// How many blocks this thread has allocated and not yet released (a block that another thread releases counts there).
 s64 liveBlocks();
 /// How many blocks this thread has asked for since it started.

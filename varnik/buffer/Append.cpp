@@ -19,24 +19,21 @@ u32 charStep(u32 size) {
 
 // Room for `n` more bytes by the growth policy, where the capacity does not do.
 bool DataBuffer::makeRoom(u32 n) {
-  const u64 wanted = u64{size_} + n;
-  if (vk64::TooBigForUnsigned32(static_cast<s64>(wanted))) return false;
-  return (wanted <= capacity_ || expandBuffer(n)) && data_;
+  if (!fits(n)) return false;
+  return (n <= capacity_ - size_ || expandBuffer(n)) && data_;
 }
 
 bool DataBuffer::makeRoomForChars(u32 k) {
   if (!isValid()) return false;
-  if (u64{size_} + k > capacity_) {
-    const u64 wanted = u64{size_} + charStep(size_);
-    if (vk64::TooBigForUnsigned32(static_cast<s64>(wanted)) || !reallocate(static_cast<u32>(wanted))) return false;
-  }
+  const u32 step = charStep(size_);
+  if (k > capacity_ - size_ && (!fits(step) || !reallocate(size_ + step))) return false;
   return data_ != nullptr;
 }
 
 // A copy of bytes that lie in the buffer's own storage, taken before that storage moves.
 bool DataBuffer::stage(const void* source, u32 n, DataBuffer& staged) const {
   staged.secure = secure;
-  return staged.append(source, n);
+  return fits(n) && staged.append(source, n);
 }
 
 bool DataBuffer::appendSlow(const void* source, u32 n) {
@@ -105,10 +102,8 @@ bool DataBuffer::appendChar2(u8 c1, u8 c2) {
 bool DataBuffer::appendCharN(u8 c, u32 n) {
   if (n == 0) return true;
   if (!isValid()) return false;
-  if (u64{size_} + n > capacity_) {
-    const u64 wanted = u64{size_} + n + 10'000;
-    if (vk64::TooBigForUnsigned32(static_cast<s64>(wanted)) || !reallocate(static_cast<u32>(wanted))) return false;
-  }
+  const u64 step = u64{n} + 10'000;
+  if (n > capacity_ - size_ && (!fits(step) || !reallocate(static_cast<u32>(size_ + step)))) return false;
   if (!data_) return false;
   vk_memset(data_ + size_, c, n);
   size_ += n;

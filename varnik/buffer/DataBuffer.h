@@ -447,6 +447,7 @@ class VARNIK_API DataBuffer : public VarnikObject {
   bool appendCharSlow(u8 c);
   bool makeRoomForChars(u32 k);
   bool makeRoom(u32 n);
+  bool fits(u64 n) const { return !vk64::TooBigForUnsigned32(static_cast<s64>(size_ + n)); }
   bool ownsAddress(const void* p) const { return data_ && p >= data_ && p < data_ + capacity_; }
   bool stage(const void* source, u32 n, DataBuffer& staged) const;
   void insertInto(u32 pos, const void* source, u32 n);

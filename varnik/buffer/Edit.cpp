@@ -20,9 +20,7 @@ bool DataBuffer::prepend(const void* source, u32 n) {
     DataBuffer staged;
     return stage(source, n, staged) && prepend(staged.data_, n);
   }
-  const u64 wanted = u64{size_} + n;
-  if (vk64::TooBigForUnsigned32(static_cast<s64>(wanted)) || !ensureBuffer(static_cast<u32>(wanted)) || !data_)
-    return false;
+  if (!fits(n) || !ensureBuffer(size_ + n) || !data_) return false;
   insertInto(0, source, n);
   return true;
 }
