@@ -5,6 +5,7 @@
 #include "varnik/services/crypto/RandomSource.h"
 #include "varnik/services/memory/Text.h"
 #include "varnik/services/strings/StringBuffer.h"
+#include "varnik/simd/Reverse.h"
 
 namespace {
 
@@ -77,7 +78,7 @@ bool DataBuffer::appendReverse(const void* source, u32 n, bool reverse) {
   if (!makeRoom(n)) return false;
   const u8* bytes = static_cast<const u8*>(source);
   if (reverse) {
-    std::reverse_copy(bytes, bytes + n, data_ + size_);
+    vk_simd::reverseCopy(data_ + size_, bytes, n);
   } else {
     vk_memcpy(data_ + size_, bytes, n);
   }

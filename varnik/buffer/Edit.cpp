@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "varnik/buffer/DataBuffer.h"
+#include "varnik/simd/Bitwise.h"
 
 // ---- Inserting ----
 
@@ -91,15 +92,12 @@ bool DataBuffer::exclusiveOr(const DataBuffer& a, const DataBuffer& b) {
   if (!ensureBuffer(n)) return false;
   size_ = n;
   if (!data_) return false;
-  std::transform(a.data_, a.data_ + n, b.data_, data_, [](u8 x, u8 y) { return static_cast<u8>(x ^ y); });
+  vk_simd::xorBytes(data_, a.data_, b.data_, n);
   return true;
 }
 
 void DataBuffer::applyMask(const void* mask, u32 n) {
-  if (!mask || !data_) return;
-  const u8* bits = static_cast<const u8*>(mask);
-  const u32 count = std::min(size_, n);
-  for (u32 i = 0; i < count; ++i) data_[i] = static_cast<u8>(data_[i] & bits[i]);
+  if (mask && data_) vk_simd::andBytes(data_, data_, static_cast<const u8*>(mask), std::min(size_, n));
 }
 
 bool DataBuffer::equals(const DataBuffer& other) const {
