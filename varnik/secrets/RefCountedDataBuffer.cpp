@@ -1,0 +1,4 @@
+#include "varnik/secrets/RefCountedDataBuffer.h"
+
+RefCountedDataBuffer::RefCountedDataBuffer() = default;
+RefCountedDataBuffer::~RefCountedDataBuffer() = default;

@@ -1,0 +1,3 @@
+#include "varnik/services/crypto/SecretHolderBase.h"
+
+SecretHolderBase::~SecretHolderBase() = default;
