@@ -1,0 +1,93 @@
+#include <gtest/gtest.h>
+
+#include "tests/simd/Forms.h"
+#include "tests/support/Bytes.h"
+#include "tests/support/GuardedBytes.h"
+#include "tests/support/Random.h"
+#include "varnik/simd/FindBytes.h"
+
+namespace {
+
+constexpr u32 kMost = 300;
+
+TEST(Mismatch, FindsTheDifferenceAtEveryPlace) {
+  GuardedBytes left(kMost), right(kMost);
+  for (const auto& form : VARNIK_FORMS(mismatch))
+    for (u32 n = 0; n <= kMost; ++n) {
+      const std::string given = randomBytes(n, n);
+      const u8* const a = left.ending(given);
+      u8* const b = right.ending(given);
+      for (u32 at = 0; at < n; ++at) {
+        b[at] ^= 0x80;
+        if (at + 1 < n) b[n - 1] ^= 1;
+        ASSERT_EQ(form.run(a, b, n), at) << form.name << ", " << n << " bytes";
+        b[at] ^= 0x80;
+        if (at + 1 < n) b[n - 1] ^= 1;
+      }
+      ASSERT_EQ(form.run(a, b, n), n) << form.name;
+    }
+}
+
+// One form against the standard library, data and pattern both ending at unreadable pages.
+class Finding {
+ public:
+  template <class Form>
+  void check(const Form& form, const std::string& data, const std::string& pattern) {
+    const u8* const at = data_.ending(data);
+    const std::size_t want = std::min(data.find(pattern), data.size());
+    ASSERT_EQ(form.run(at, countOf(data), pattern_.ending(pattern), countOf(pattern)), want)
+        << form.name << ", " << pattern.size() << " in " << data.size() << " bytes";
+  }
+
+ private:
+  GuardedBytes data_{20'000}, pattern_{20'000};
+};
+
+TEST(FindBytes, FindsAPatternAtEveryPlace) {
+  Finding finding;
+  for (const auto& form : VARNIK_FORMS(findBytes))
+    for (const u32 m : {1U, 2U, 3U, 8U, 33U}) {
+      std::string pattern(m, 'a');
+      pattern[m / 2] = 'b';
+      for (u32 n = m; n <= kMost; n += n < 140 ? 1 : 7)
+        for (u32 at = 0; at + m <= n; ++at) {
+          std::string data(n, 'a');
+          data.replace(at, m, pattern);
+          finding.check(form, data, pattern);
+        }
+    }
+}
+
+// Small alphabets make false candidates of every kind: they agree in one looked-at byte, in both, in all but one.
+TEST(FindBytes, AgreesWithThePlainSearchAmongFalseCandidates) {
+  Finding finding;
+  for (const auto& form : VARNIK_FORMS(findBytes))
+    for (u32 seed = 0; seed < 4000; ++seed) {
+      Random random(seed);
+      const std::string_view letters = std::string_view("abc").substr(0, 1 + random.below(3));
+      const std::string data = random.text(1 + random.below(700), letters);
+      const std::string pattern = random.text(1 + random.below(std::min(countOf(data), 12U)), letters);
+      finding.check(form, data, pattern);
+    }
+}
+
+TEST(FindBytes, SearchesLongDataWithARareAndAFrequentFirstByte) {
+  Finding finding;
+  std::string words;
+  while (words.size() < 9000) words += "the message of the header that was encoding it ";
+  for (const auto& form : VARNIK_FORMS(findBytes))
+    for (const std::string pattern : {"Qessage of", "the mesQage", "the header that was encodinQ", "tQ", "\xFF\xFE"})
+      for (const u32 at : {0U, 255U, 256U, 1023U, 5000U, 8900U}) {
+        std::string data = words;
+        finding.check(form, data, pattern);
+        finding.check(form, data.replace(at, pattern.size(), pattern), pattern);
+        finding.check(form, data.substr(0, at + pattern.size()), pattern);
+      }
+  for (const auto& form : VARNIK_FORMS(findBytes)) {
+    finding.check(form, std::string(10'000, 'a') + 'b', std::string(500, 'a') + 'b');
+    finding.check(form, std::string(10'000, 'a'), 'b' + std::string(500, 'a'));
+    finding.check(form, std::string(10'000, 'a'), std::string(10'000, 'a'));
+  }
+}
+
+}  // namespace
