@@ -44,7 +44,8 @@ bool DataBufferView::takeBytes(u32 n, DataBuffer& out) {
   CritSecExitor lock(*this);
   const u8* content = buffer_.getDataAt2(offset_);
   if (!content || n > contentSize() || !out.append(content, n)) return false;
-  return consume(n);
+  advance(n);
+  return true;
 }
 
 bool DataBufferView::takeBytes(u32 n, u8* out) {
@@ -52,29 +53,30 @@ bool DataBufferView::takeBytes(u32 n, u8* out) {
   const u8* content = buffer_.getDataAt2(offset_);
   if (!content || n > contentSize() || !out) return false;
   vk_memcpy(out, content, n);
-  return consume(n);
+  advance(n);
+  return true;
 }
 
 bool DataBufferView::consume(u32 n) {
   CritSecExitor lock(*this);
-  if (n >= contentSize()) {
-    reset();
-    return true;
-  }
-  offset_ += n;
-  return compact();
+  advance(n);
+  return true;
 }
 
 bool DataBufferView::compact() {
   CritSecExitor lock(*this);
-  if (contentSize() == 0) {
-    reset();
-  } else if (offset_ > deadBytesKept(buffer_.size())) {
-    LogNull log;
-    buffer_.slideTailToFront(contentSize(), log);
-    offset_ = 0;
-  }
+  advance(0);
   return true;
+}
+
+// Moves the offset past `n` content bytes, then drops the dead bytes if they are many enough. REQUIRES: the lock.
+void DataBufferView::advance(u32 n) {
+  if (n >= contentSize()) return reset();
+  offset_ += n;
+  if (offset_ <= deadBytesKept(buffer_.size())) return;
+  LogNull log;
+  buffer_.slideTailToFront(contentSize(), log);
+  offset_ = 0;
 }
 
 void DataBufferView::clear() {

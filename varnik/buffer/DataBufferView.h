@@ -47,6 +47,7 @@ class VARNIK_API DataBufferView : public VarnikCritSec {
 
  private:
   u32 contentSize() const { return buffer_.size() - offset_; }
+  void advance(u32 n);
   void reset();
 
   DataBuffer buffer_;  // the dead bytes, then the content
