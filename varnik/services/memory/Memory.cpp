@@ -1,6 +1,10 @@
 #include "varnik/services/memory/Memory.h"
 
+#include <sys/mman.h>
+
 #include <bit>
+#include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <new>
 
