@@ -1,0 +1,36 @@
+// base64 (RFC 4648 sections 4 and 5). Input and output do not overlap.
+#pragma once
+
+#include "varnik/services/memory/Types.h"
+#include "varnik/simd/Cpu.h"
+
+namespace vk_simd {
+
+/// Writes the `n` bytes as groups of four characters, padded with `=`; `url` takes `-` and `_` for 62 and 63.
+void base64Encode(const u8* in, u32 n, bool url, char* out);
+
+/// What ends a line: up to 8 characters.
+struct LineEnd {
+  char text[8];
+  u32 length;
+};
+
+/// Writes lines of `lineBytes` bytes each, the last one of what is left, each with its end. REQUIRES: a `lineBytes`
+/// that is a multiple of 3.
+void base64EncodeLines(const u8* in, u32 n, u32 lineBytes, const LineEnd& end, char* out);
+
+/// Writes the bytes of the groups of four characters at the front of in[0, n); returns how many characters that were:
+/// it stops before the first group that holds anything outside the alphabet. `url` takes `-` and `_` beside `+` and
+/// `/`. What lies behind those bytes, as far as all `n` characters would reach, is undefined then.
+u32 base64Decode(const char* in, u32 n, bool url, u8* out);
+
+void base64EncodeScalar(const u8* in, u32 n, bool url, char* out);
+void base64EncodeLinesScalar(const u8* in, u32 n, u32 lineBytes, const LineEnd& end, char* out);
+u32 base64DecodeScalar(const char* in, u32 n, bool url, u8* out);
+#if VARNIK_HAVE_AVX2
+void base64EncodeAvx2(const u8* in, u32 n, bool url, char* out);
+void base64EncodeLinesAvx2(const u8* in, u32 n, u32 lineBytes, const LineEnd& end, char* out);
+u32 base64DecodeAvx2(const char* in, u32 n, bool url, u8* out);
+#endif
+
+}  // namespace vk_simd

@@ -1,0 +1,90 @@
+#include "varnik/simd/Branchless.h"
+#include "varnik/simd/Hex.h"
+
+#if VARNIK_HAVE_AVX2
+#include <immintrin.h>
+#endif
+
+namespace vk_simd {
+namespace {
+
+// The value of a digit, negative for any other character.
+s32 valueOf(char character) {
+  const s32 c = static_cast<u8>(character), folded = c | 0x20;
+  return -1 + (maskInRange(c, '0', '9') & (c - '0' + 1)) + (maskInRange(folded, 'a', 'f') & (folded - 'a' + 11));
+}
+
+}  // namespace
+
+u32 hexDecodeScalar(const char* in, u32 n, u8* out) {
+  u32 i = 0;
+  for (; n - i >= 2; i += 2) {
+    const s32 high = valueOf(in[i]), low = valueOf(in[i + 1]);
+    if ((high | low) < 0) break;
+    *out++ = static_cast<u8>(high << 4 | low);
+  }
+  return i;
+}
+
+#if VARNIK_HAVE_AVX2
+namespace {
+
+// The values of 32 digits; any other character gives 16 or more. Either way of reading a character moves its range to
+// the bottom and everything else above it, so that the smaller of the two is right.
+[[VARNIK_AVX2]] inline __m256i valuesOf(const char* in) {
+  const __m256i c = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in));
+  const __m256i digitsOnTop = _mm256_add_epi8(c, _mm256_set1_epi8(static_cast<char>(0xFF - '9')));  // at 0xF6 to 0xFF
+  const __m256i decimal =
+      _mm256_sub_epi8(_mm256_subs_epu8(digitsOnTop, _mm256_set1_epi8(6)), _mm256_set1_epi8(static_cast<char>(0xF0)));
+  const __m256i upper = _mm256_and_si256(c, _mm256_set1_epi8(static_cast<char>(0xDF)));
+  const __m256i letter = _mm256_adds_epu8(_mm256_sub_epi8(upper, _mm256_set1_epi8('A')), _mm256_set1_epi8(10));
+  return _mm256_min_epu8(decimal, letter);
+}
+
+[[VARNIK_AVX2]] inline bool allBelow16(__m256i values) {
+  return _mm256_movemask_epi8(_mm256_adds_epu8(values, _mm256_set1_epi8(0x7F - 15))) == 0;
+}
+
+// Pairs become bytes, each in 16 bits.
+[[VARNIK_AVX2]] inline __m256i joined(__m256i values) {
+  return _mm256_maddubs_epi16(values, _mm256_set1_epi16(0x0110));
+}
+
+[[VARNIK_AVX2]] inline bool decode64(const char* in, u8* out) {
+  const __m256i a = valuesOf(in), b = valuesOf(in + 32);
+  if (!allBelow16(_mm256_or_si256(a, b))) return false;
+  const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packus_epi16(joined(a), joined(b)), 0xD8);
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), bytes);
+  return true;
+}
+
+[[VARNIK_AVX2]] inline bool decode32(const char* in, u8* out) {
+  const __m256i values = valuesOf(in);
+  if (!allBelow16(values)) return false;
+  const __m256i words = joined(values);
+  const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packus_epi16(words, words), 0xD8);
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_castsi256_si128(bytes));
+  return true;
+}
+
+}  // namespace
+
+// What is left behind the whole blocks is decoded by a block that overlaps them.
+[[VARNIK_AVX2]] u32 hexDecodeAvx2(const char* in, u32 n, u8* out) {
+  const u32 whole = n & ~u32{1};
+  u32 i = 0;
+  while (whole - i >= 64 && decode64(in + i, out + i / 2)) i += 64;
+  while (whole - i >= 32 && decode32(in + i, out + i / 2)) i += 32;
+  if (i != 0 && whole - i < 32 && decode32(in + whole - 32, out + (whole - 32) / 2)) return whole;
+  return i + hexDecodeScalar(in + i, whole - i, out + i / 2);
+}
+#endif
+
+u32 hexDecode(const char* in, u32 n, u8* out) {
+#if VARNIK_HAVE_AVX2
+  if (hasAvx2()) return hexDecodeAvx2(in, n, out);
+#endif
+  return hexDecodeScalar(in, n, out);
+}
+
+}  // namespace vk_simd
