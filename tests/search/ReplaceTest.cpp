@@ -1,0 +1,186 @@
+#include <gtest/gtest.h>
+
+#include "tests/support/Allocations.h"
+#include "tests/support/Bytes.h"
+#include "tests/support/Random.h"
+
+namespace {
+
+u32 replaceAll(DataBuffer& b, std::string_view find, std::string_view with) {
+  return b.replaceAllOccurances(bytesOf(find), countOf(find), bytesOf(with), countOf(with));
+}
+
+// The same by the standard library.
+u32 replaceSlowly(std::string& text, std::string_view find, std::string_view with) {
+  u32 count = 0;
+  for (std::size_t at = 0; (at = text.find(find, at)) != std::string::npos; at += with.size(), ++count)
+    text.replace(at, find.size(), with);
+  return count;
+}
+
+// UTF-16 units in host order, as a buffer keeps them.
+std::string unitsOf(std::u16string_view text) {
+  return {reinterpret_cast<const char*>(text.data()), text.size() * 2};
+}
+
+TEST(Replace, ReplacesFromLeftToRight) {
+  constexpr struct {
+    const char *given, *find, *with, *left;
+    u32 count;
+  } kCases[] = {
+      {"aaaa", "aa", "b", "bb", 2},         {"aaa", "aa", "b", "ba", 1},
+      {"abcabc", "b", "bb", "abbcabbc", 2}, {"abc", "abc", "", "", 1},
+      {"xabx", "ab", "", "xx", 1},          {"abc", "abc", "defgh", "defgh", 1},
+      {"abcab", "ab", "12", "12c12", 2},    {"ab", "abc", "x", "ab", 0},
+      {"abc", "x", "y", "abc", 0},          {"\xFF\xFE", "\xFE", "\xFF", "\xFF\xFF", 1},
+  };
+  for (const auto& c : kCases) {
+    DataBuffer b = bufferOf(c.given);
+    EXPECT_EQ(replaceAll(b, c.find, c.with), c.count) << c.given;
+    EXPECT_EQ(textOf(b), c.left) << c.given;
+  }
+}
+
+TEST(Replace, AgreesWithThePlainReplacement) {
+  for (u32 seed = 0; seed < 500; ++seed) {
+    Random random(seed);
+    std::string text = random.text(random.below(2000), "aaab");
+    const std::string find = random.text(1 + random.below(4), "ab"), with = random.text(random.below(6), "abc");
+    DataBuffer b = bufferOf(text);
+    const u32 count = replaceAll(b, find, with);
+    ASSERT_EQ(count, replaceSlowly(text, find, with)) << seed;
+    ASSERT_EQ(textOf(b), text) << seed;
+  }
+}
+
+TEST(Replace, KeepsTheBlockWhereNothingIsFound) {
+  DataBuffer b = bufferOf("abc"), none;
+  const u8* const block = b.getData2();
+  const u64 before = faults::allocations();
+  EXPECT_EQ(replaceAll(b, "abd", "x"), 0U);
+  EXPECT_EQ(replaceAll(b, "abcd", "x"), 0U);
+  EXPECT_EQ(b.replaceAllOccurances(nullptr, 1, block, 1), 0U);
+  EXPECT_EQ(b.replaceAllOccurances(block, 0, block, 1), 0U);
+  EXPECT_EQ(replaceAll(none, "a", "x"), 0U);
+  EXPECT_EQ(faults::allocations(), before);
+  EXPECT_EQ(b.getData2(), block);
+  EXPECT_EQ(b.getBufSize(), 20'000U);
+}
+
+// The new block has the old size; only a result that outgrows it grows, as any append does.
+TEST(Replace, GrowsFromTheOldSize) {
+  DataBuffer b = bufferOf("abcabc");
+  EXPECT_EQ(b.replaceAllOccurances(bytesOf("b"), 1, nullptr, 7), 2U);
+  EXPECT_EQ(textOf(b), "acac");
+  EXPECT_EQ(b.getBufSize(), 6U);
+  EXPECT_EQ(replaceAll(b, "c", "xy"), 2U);
+  EXPECT_EQ(textOf(b), "axyaxy");
+  EXPECT_EQ(b.getBufSize(), 20'004U) << "the last two bytes met a full block of four";
+}
+
+TEST(Replace, LeavesABorrowedBlockAlone) {
+  std::string lent = "abcabc";
+  DataBuffer b;
+  b.borrowData(lent.data(), countOf(lent));
+  EXPECT_EQ(replaceAll(b, "x", "y"), 0U);
+  EXPECT_EQ(b.heapUsage(), 0U) << "still borrowed";
+  EXPECT_EQ(replaceAll(b, "b", "X"), 2U);
+  EXPECT_EQ(textOf(b), "aXcaXc");
+  EXPECT_EQ(b.heapUsage(), 6U);
+  EXPECT_EQ(lent, "abcabc");
+}
+
+TEST(Replace, TakesItsArgumentsFromTheContentItself) {
+  DataBuffer b = bufferOf("ab-ab-cdef");
+  EXPECT_EQ(b.replaceAllOccurances(b.getData2(), 2, b.getData2() + 6, 4), 2U);
+  EXPECT_EQ(textOf(b), "cdef-cdef-cdef");
+}
+
+TEST(Replace, ShortensTheResultWhenMemoryRunsOut) {
+  const u32 refusals = faults::failEachAllocation([](u32 k, bool forGood) {
+    DataBuffer b;
+    b.copyData("a-b-c", 5);
+    const u8* const block = b.getData2();
+    const std::string with(1000, 'x'), whole = "a" + with + "b" + with + "c";
+    const faults::FailAllocation fail(k, forGood);
+    const u32 count = replaceAll(b, "-", with);
+    if (k == 1) {
+      EXPECT_EQ(count, 0U);
+      EXPECT_EQ(b.getData2(), block);
+      EXPECT_TRUE(b.equals2("a-b-c", 5));
+    } else {
+      // A refusal that passes is made up for by growth's second, smaller attempt.
+      EXPECT_EQ(count, 2U) << "all that were found";
+      EXPECT_TRUE(fail.struck() && forGood ? b.equals2("abc", 3) : b.equals2(whole.data(), countOf(whole)));
+    }
+    return fail.struck();
+  });
+  EXPECT_EQ(refusals, 4U);
+}
+
+TEST(Replace, ReplacesUtf16Bytes) {
+  XString find, with, none;
+  find.setFromUtf8("A");
+  with.setFromUtf8("\xC3\xA9\xE2\x82\xAC");
+  DataBuffer b = bufferOf(fromHex("41 00 42 00 00 41 00"));
+  EXPECT_EQ(b.replaceUnicodeString(find, with), 2U) << "at any byte, between two units too";
+  EXPECT_EQ(textOf(b), fromHex("E9 00 AC 20 42 00 00 E9 00 AC 20"));
+  find.setFromUtf8("B");
+  EXPECT_EQ(b.replaceUnicodeString(find, none), 1U);
+  EXPECT_EQ(textOf(b), fromHex("E9 00 AC 20 00 E9 00 AC 20"));
+  EXPECT_EQ(b.replaceUnicodeString(none, with), 0U);
+  find.setFromUtf8("\xE2\x82\xAC");
+  faults::failEachAllocation([&](u32 k, bool forGood) {
+    DataBuffer c = bufferOf(fromHex("AC 20"));
+    const faults::FailAllocation fail(k, forGood);
+    const u32 count = c.replaceUnicodeString(find, with);
+    EXPECT_TRUE(fail.struck() || c.size() == 4);
+    EXPECT_TRUE(count != 0 || textOf(c) == fromHex("AC 20")) << "no deletion that was not asked for";
+    return fail.struck();
+  });
+}
+
+TEST(Replace, IgnoresLetterCaseInUtf16) {
+  constexpr struct {
+    const char *find, *with;
+    std::u16string_view given, left;
+    u32 count;
+  } kCases[] = {
+      {"ab", "Z", u"xABy", u"xZy", 1},
+      {"ab", "", u"abABx", u"x", 2},
+      {"AB", "ab!", u"abaB", u"ab!ab!", 2},
+      {"aa", "b", u"AaA", u"bA", 1},
+      {"\xC3\xA9\xCF\x83", "e", u"x\u00C9\u03A3\u00E9\u03C3", u"xee", 2},
+      {"ab", "Z", u"a", u"a", 0},
+      {"ab", "Z", u"xay", u"xay", 0},
+      {"", "Z", u"xay", u"xay", 0},
+  };
+  for (const auto& c : kCases)
+    for (const u32 offset : {0U, 1U}) {  // an even address and an odd one
+      XString find, with;
+      find.setFromUtf8(c.find);
+      with.setFromUtf8(c.with);
+      std::string lent = std::string(offset, '.') + unitsOf(c.given);
+      DataBuffer b;
+      b.borrowData(lent.data() + offset, countOf(lent) - offset);
+      EXPECT_EQ(b.replaceAllOccurancesUtf16NoCase(find, with), c.count) << c.find;
+      EXPECT_EQ(textOf(b), unitsOf(c.left)) << c.find;
+      EXPECT_EQ(lent, std::string(offset, '.') + unitsOf(c.given)) << c.find;
+    }
+}
+
+TEST(Replace, DropsAnOddByteOnlyWhenSomethingIsReplaced) {
+  XString find, with;
+  find.setFromUtf8("ab");
+  with.setFromUtf8("XYZ");
+  DataBuffer b = bufferOf(unitsOf(u"xab") + "!");
+  EXPECT_EQ(b.replaceAllOccurancesUtf16NoCase(find, with), 1U);
+  EXPECT_EQ(textOf(b), unitsOf(u"xXYZ"));
+  DataBuffer kept = bufferOf(unitsOf(u"xyz") + "!");
+  EXPECT_EQ(kept.replaceAllOccurancesUtf16NoCase(find, with), 0U);
+  EXPECT_EQ(textOf(kept), unitsOf(u"xyz") + "!");
+  EXPECT_EQ(b.replaceAllOccurancesUtf16NoCase(with, with), 1U) << "one string as both";
+  EXPECT_EQ(textOf(b), unitsOf(u"xXYZ"));
+}
+
+}  // namespace
