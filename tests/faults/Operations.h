@@ -1,0 +1,85 @@
+// What the allocation-failure loop runs: a table of operations, each on a scene of fresh objects.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "tests/support/Bytes.h"
+
+namespace faults {
+
+/// The objects that an operation may change (the targets, empty or filled alike) and may read (the rest).
+struct Scene {
+  DataBuffer buffer;
+  StringBuffer text;
+  XString wide;
+  DataBufferView view;
+
+  DataBuffer source;  // some bytes
+  DataBuffer key;     // 32 bytes
+};
+
+/// What an operation said: void ones say nothing.
+enum class Answer { kNo, kYes, kNothing };
+
+/// What a failure leaves of the targets' content.
+enum class Leaves {
+  kUnchanged,  // as it was
+  kEarlier,    // what was there, and perhaps a part of what was to come
+  kEmptied,    // nothing, or as it was
+  kAnything,   // some valid state
+};
+
+struct Operation {
+  std::string name;
+  Leaves leaves = Leaves::kUnchanged;
+  bool answersTruly = true;  // true means done in full: not so for the forms documented as always true
+  bool isRepeatable = true;  // the same call gives the same bytes
+  std::function<Answer(Scene&)> run;
+};
+
+/// A row of the table: `call` gets the scene and returns a bool, or nothing.
+template <class Call>
+Operation row(std::string name, Leaves leaves, Call call) {
+  return {std::move(name), leaves, true, true, [call](Scene& s) {
+            if constexpr (std::is_void_v<decltype(call(s))>) {
+              call(s);
+              return Answer::kNothing;
+            } else {
+              return call(s) ? Answer::kYes : Answer::kNo;
+            }
+          }};
+}
+template <class Call>
+Operation op(std::string name, Call call) {
+  return row(std::move(name), Leaves::kUnchanged, std::move(call));
+}
+template <class Call>
+Operation extending(std::string name, Call call) {
+  return row(std::move(name), Leaves::kEarlier, std::move(call));
+}
+template <class Call>
+Operation emptying(std::string name, Call call) {
+  return row(std::move(name), Leaves::kEmptied, std::move(call));
+}
+/// Another call gives other bytes (it is compared by size then).
+inline Operation random(Operation op) {
+  op.isRepeatable = false;
+  return op;
+}
+/// Is documented to answer true whatever the memory.
+inline Operation alwaysTrue(Operation op) {
+  op.answersTruly = false;
+  return op;
+}
+
+std::vector<Operation> bufferOperations();
+std::vector<Operation> stringOperations();
+std::vector<Operation> secretOperations();
+std::vector<Operation> fileOperations();
+
+}  // namespace faults
