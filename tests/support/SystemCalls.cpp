@@ -1,0 +1,183 @@
+#include "tests/support/SystemCalls.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/types.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdarg>
+
+using faults::Call;
+using faults::Fault;
+
+namespace {
+
+constexpr int kKinds = static_cast<int>(Call::kAny) + 1;
+
+thread_local u64 made[kKinds] = {};
+thread_local Call watched = Call::kAny;
+thread_local u32 countdown = 0;  // strikes when it falls to 1; 0 is unarmed
+thread_local bool strikesForGood = false, hasStruck = false;
+thread_local Fault armed = {};
+
+// Counts a call; true when it is to be struck.
+bool strikes(Call call) {
+  ++made[static_cast<int>(call)];
+  ++made[static_cast<int>(Call::kAny)];
+  if (countdown == 0 || (watched != call && watched != Call::kAny)) return false;
+  if (countdown > 1) {
+    --countdown;
+    return false;
+  }
+  hasStruck = true;
+  if (!strikesForGood) countdown = 0;
+  if (armed.kind == Fault::kDie) _exit(9);
+  return true;
+}
+
+// For calls that either work or fail.
+bool fails(Call call) {
+  if (!strikes(call) || armed.kind != Fault::kError) return false;
+  errno = armed.value;
+  return true;
+}
+
+// For calls that move bytes: false when the call is to be made, with what is left in `n`, else its answer is `answer`.
+bool intercepts(Call call, std::size_t& n, ssize_t& answer) {
+  if (!strikes(call)) return false;
+  switch (armed.kind) {
+    case Fault::kError:
+      errno = armed.value;
+      answer = -1;
+      return true;
+    case Fault::kNothing:
+      answer = 0;
+      return true;
+    case Fault::kShort:
+      n = n > static_cast<std::size_t>(armed.value) ? n - static_cast<std::size_t>(armed.value)
+                                                    : std::min<std::size_t>(n, 1);
+      return false;
+    case Fault::kBreak:
+      armed.kind = armed.value != 0 ? Fault::kError : Fault::kNothing;
+      watched = call;
+      countdown = 1;
+      strikesForGood = true;
+      [[fallthrough]];
+    default:
+      n = (n + 1) / 2;
+      return false;
+  }
+}
+
+}  // namespace
+
+// The linker gives each call of X to __wrap_X, and knows the system's own as __real_X.
+extern "C" {
+#define WRAP(result, name, parameters, call, arguments) \
+  result __real_##name parameters;                      \
+  result __wrap_##name parameters;                      \
+  result __wrap_##name parameters {                     \
+    return fails(call) ? -1 : __real_##name arguments;  \
+  }
+
+WRAP(int, stat, (const char* path, struct stat* out), Call::kStat, (path, out))
+WRAP(int, fstat, (int fd, struct stat* out), Call::kStat, (fd, out))
+WRAP(int, fstatat, (int fd, const char* path, struct stat* out, int flags), Call::kStat, (fd, path, out, flags))
+WRAP(off_t, lseek, (int fd, off_t offset, int whence), Call::kSeek, (fd, offset, whence))
+WRAP(int, fsync, (int fd), Call::kSync, (fd))
+WRAP(int, fchmod, (int fd, mode_t mode), Call::kChmod, (fd, mode))
+WRAP(int, fchown, (int fd, uid_t owner, gid_t group), Call::kChown, (fd, owner, group))
+WRAP(int, faccessat, (int fd, const char* path, int mode, int flags), Call::kAccess, (fd, path, mode, flags))
+WRAP(ssize_t, readlinkat, (int fd, const char* path, char* to, size_t n), Call::kReadLink, (fd, path, to, n))
+WRAP(int, renameat, (int f, const char* from, int t, const char* to), Call::kRename, (f, from, t, to))
+WRAP(int, unlinkat, (int fd, const char* path, int flags), Call::kUnlink, (fd, path, flags))
+#undef WRAP
+
+int __real_close(int fd);
+int __wrap_close(int fd);
+int __wrap_close(int fd) {
+  const bool struck = fails(Call::kClose);
+  const int error = errno;
+  const int answer = __real_close(fd);
+  if (!struck) return answer;
+  errno = error;
+  return -1;
+}
+
+// The mode is only there when a file may be created.
+static mode_t modeIn(int flags, va_list more) {
+  return flags & O_CREAT ? va_arg(more, mode_t) : 0;
+}
+
+int __real_open(const char* path, int flags, ...);
+int __wrap_open(const char* path, int flags, ...);
+int __wrap_open(const char* path, int flags, ...) {
+  va_list more;
+  va_start(more, flags);
+  const mode_t mode = modeIn(flags, more);
+  va_end(more);
+  return fails(Call::kOpen) ? -1 : __real_open(path, flags, mode);
+}
+int __real_openat(int fd, const char* path, int flags, ...);
+int __wrap_openat(int fd, const char* path, int flags, ...);
+int __wrap_openat(int fd, const char* path, int flags, ...) {
+  va_list more;
+  va_start(more, flags);
+  const mode_t mode = modeIn(flags, more);
+  va_end(more);
+  return fails(Call::kOpen) ? -1 : __real_openat(fd, path, flags, mode);
+}
+
+ssize_t __real_read(int fd, void* to, size_t n);
+ssize_t __wrap_read(int fd, void* to, size_t n);
+ssize_t __wrap_read(int fd, void* to, size_t n) {
+  ssize_t answer = 0;
+  return intercepts(Call::kRead, n, answer) ? answer : __real_read(fd, to, n);
+}
+ssize_t __real_write(int fd, const void* from, size_t n);
+ssize_t __wrap_write(int fd, const void* from, size_t n);
+ssize_t __wrap_write(int fd, const void* from, size_t n) {
+  ssize_t answer = 0;
+  return intercepts(Call::kWrite, n, answer) ? answer : __real_write(fd, from, n);
+}
+ssize_t __real_getrandom(void* to, size_t n, unsigned flags);
+ssize_t __wrap_getrandom(void* to, size_t n, unsigned flags);
+ssize_t __wrap_getrandom(void* to, size_t n, unsigned flags) {
+  ssize_t answer = 0;
+  return intercepts(Call::kRandom, n, answer) ? answer : __real_getrandom(to, n, flags);
+}
+}
+
+namespace faults {
+
+FailCall::FailCall(Call call, u32 k, bool forGood, Fault fault) {
+  watched = call;
+  countdown = k;
+  strikesForGood = forGood;
+  hasStruck = false;
+  armed = fault;
+}
+FailCall::~FailCall() {
+  countdown = 0;
+}
+bool FailCall::struck() const {
+  return hasStruck;
+}
+
+u64 calls(Call call) {
+  return made[static_cast<int>(call)];
+}
+
+u32 openDescriptors() {
+  u32 count = 0;
+  DIR* folder = opendir("/proc/self/fd");
+  if (!folder) return 0;
+  while (readdir(folder)) ++count;
+  closedir(folder);
+  return count - 3;  // ".", ".." and the folder's own
+}
+
+}  // namespace faults
