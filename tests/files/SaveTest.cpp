@@ -1,0 +1,358 @@
+// Saving: the whole old content or the whole new, whatever happens.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+#include <thread>
+
+#include "tests/support/Bytes.h"
+#include "tests/support/SystemCalls.h"
+#include "tests/support/TempFolder.h"
+#include "varnik/services/files/internal/AtomicFile.h"
+
+namespace {
+
+using faults::Call;
+using faults::Fault;
+
+bool save(const std::string& path, std::string_view content, LogBase* log = nullptr) {
+  return _vkFileSys::writeFileUtf8(path.c_str(), bytesOf(content), countOf(content), log);
+}
+
+mode_t modeOf(const std::string& path) {
+  struct stat facts = {};
+  stat(path.c_str(), &facts);
+  return facts.st_mode & 07777;
+}
+
+// Runs `body` in a process of another user, and returns its exit status.
+template <class Body>
+int asNobody(Body body) {
+  const pid_t child = fork();
+  if (child == 0) {
+    if (setgid(65534) != 0 || setuid(65534) != 0) _exit(77);
+    _exit(body() ? 0 : 1);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 255;
+}
+
+TEST(Save, CreatesAndReplaces) {
+  const TempFolder folder;
+  const std::string path = folder / "f";
+  for (const u32 length : {0u, 1u, 100'000u, 0u, 20'000'000u}) {
+    const std::string content = randomBytes(length, length);
+    DataBuffer b = bufferOf(content);
+    EXPECT_TRUE(b.db_saveToFileUtf8(path.c_str(), nullptr));
+    EXPECT_TRUE(readFile(path) == content) << length;
+    EXPECT_EQ(folder.entries(), 1u);
+  }
+  EXPECT_TRUE(_vkFileSys::writeFileUtf8(path.c_str(), nullptr, 0, nullptr));
+  EXPECT_EQ(readFile(path), "");
+  EXPECT_FALSE(_vkFileSys::writeFileUtf8(path.c_str(), nullptr, 1, nullptr));
+}
+
+TEST(Save, GivesANewFileTheModeOfAnyNewFile) {
+  const TempFolder folder;
+  for (const mode_t mask : {0u, 022u, 027u, 077u, 0777u}) {
+    const std::string path = folder / std::to_string(mask);
+    const mode_t before = umask(mask);
+    EXPECT_TRUE(save(path, "x"));
+    EXPECT_EQ(umask(before), mask) << "the umask was changed";
+    EXPECT_EQ(modeOf(path), 0666 & ~mask);
+  }
+}
+
+TEST(Save, KeepsModeAndOwner) {
+  const TempFolder folder;
+  const std::string path = writeFile(folder / "f", "old");
+  const bool privileged = geteuid() == 0;
+  for (const mode_t mode : {0600u, 0644u, 0755u, 0666u, 02750u, 04711u}) {
+    if (privileged) {
+      ASSERT_EQ(chown(path.c_str(), 65534, 12345), 0);
+    }
+    ASSERT_EQ(chmod(path.c_str(), mode), 0);
+    EXPECT_TRUE(save(path, "new"));
+    EXPECT_EQ(modeOf(path), mode);
+    struct stat facts = {};
+    stat(path.c_str(), &facts);
+    if (privileged) {
+      EXPECT_TRUE(facts.st_uid == 65534 && facts.st_gid == 12345);
+    }
+  }
+}
+
+// While it fills, nobody else can open the temporary, whatever the target's mode will be.
+TEST(Save, HidesTheTemporaryUntilItIsFull) {
+  const TempFolder folder;
+  const mode_t before = umask(0);
+  for (const char* name : {"new", "old"}) {
+    if (std::string_view(name) == "old") {
+      writeFile(folder / "old", "x");
+      chmod((folder / "old").c_str(), 0666);
+    }
+    vk_files::AtomicFile file;
+    ASSERT_TRUE(file.open((folder / name).c_str()) && file.write("abc", 3));
+    u32 seen = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
+      if (entry.path().filename().string()[0] == '.') {
+        ++seen;
+        EXPECT_EQ(modeOf(entry.path().string()), 0600u);
+      }
+    EXPECT_EQ(seen, 1u);
+    EXPECT_TRUE(file.commit());
+    EXPECT_EQ(modeOf(folder / name), 0666u);
+  }
+  umask(before);
+}
+
+TEST(Save, FollowsLinks) {
+  const TempFolder folder;
+  namespace fs = std::filesystem;
+  fs::create_directories(folder / "a/b");
+  writeFile(folder / "a/b/target", "old");
+  fs::create_symlink("b/target", folder / "a/near");
+  fs::create_symlink(folder / "a/near", folder / "far");
+  fs::create_symlink("a", folder / "door");
+  fs::create_symlink("a/b/missing", folder / "dangling");
+  const struct {
+    const char *path, *target;
+  } kCases[] = {{"far", "a/b/target"},
+                {"door/near", "a/b/target"},
+                {"door/b/../near", "a/b/target"},
+                {"dangling", "a/b/missing"}};
+  for (const auto& c : kCases) {
+    EXPECT_TRUE(save(folder / c.path, c.path));
+    EXPECT_EQ(readFile(folder / c.target), c.path);
+    EXPECT_TRUE(fs::is_symlink(fs::symlink_status(folder / "far")) && fs::is_symlink(folder / "a/near"));
+    EXPECT_TRUE(fs::is_symlink(folder / "dangling"));
+  }
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder / "a/b"), {}), 2);
+}
+
+TEST(Save, FindsRelativeNames) {
+  const TempFolder folder;
+  const auto before = std::filesystem::current_path();
+  std::filesystem::current_path(folder.path());
+  EXPECT_TRUE(save("here", "1"));
+  EXPECT_TRUE(save("./here too", "2"));
+  std::filesystem::current_path(before);
+  EXPECT_EQ(readFile(folder / "here") + readFile(folder / "here too"), "12");
+}
+
+TEST(Save, TakesTheLongestName) {
+  const TempFolder folder;
+  const std::string name(255, 'n');
+  EXPECT_TRUE(save(folder / name, "1"));
+  EXPECT_TRUE(save(folder / name, "2"));
+  EXPECT_EQ(readFile(folder / name), "2");
+}
+
+TEST(Save, RefusesWhatCannotBeWritten) {
+  const TempFolder folder;
+  std::filesystem::create_directory(folder / "folder");
+  std::filesystem::create_symlink("loop", folder / "loop");
+  std::filesystem::create_symlink("nowhere/", folder / "to no folder");
+  const std::string paths[] = {"",
+                               folder / "folder",
+                               folder / "folder/",
+                               folder / "new/",
+                               folder / "missing/f",
+                               folder / "loop",
+                               folder / "to no folder",
+                               folder / std::string(256, 'n'),
+                               folder / (std::string(5000, '/') + "f"),
+                               writeFile(folder / "file", "x") + "/f",
+                               "/dev/full",
+                               "/proc/self/status"};
+  const std::size_t entries = folder.entries();
+  const u32 before = faults::openDescriptors();
+  for (const std::string& path : paths) {
+    LogText log;
+    EXPECT_FALSE(save(path, "new", &log)) << path;
+    EXPECT_EQ(log.numErrors(), 1u) << log.getText();
+    EXPECT_NE(std::string(log.getText()).find("reason: "), std::string::npos);
+  }
+  EXPECT_FALSE(_vkFileSys::writeFileUtf8(nullptr, bytesOf("x"), 1, nullptr));
+  EXPECT_EQ(folder.entries(), entries);
+  EXPECT_EQ(faults::openDescriptors(), before);
+}
+
+TEST(Save, AsksForTheRightsOfTheCaller) {
+  if (geteuid() != 0) GTEST_SKIP() << "another user's rights can only be tried by root";
+  const TempFolder folder;
+  chmod(folder.path().c_str(), 0777);
+  const std::string theirs = writeFile(folder / "theirs", "old"), open = writeFile(folder / "open", "old");
+  chmod(theirs.c_str(), 0644);
+  chmod(open.c_str(), 0646);
+  EXPECT_EQ(asNobody([&] { return save(theirs, "new"); }), 1) << "a rename would have replaced it";
+  EXPECT_EQ(asNobody([&] { return save(open, "new"); }), 0);
+  EXPECT_EQ(asNobody([&] { return save(folder / "own", "new"); }), 0);
+  chmod(folder.path().c_str(), 0755);
+  EXPECT_EQ(asNobody([&] { return save(open, "newer"); }), 1) << "the folder takes no temporary";
+  EXPECT_EQ(readFile(theirs) + readFile(open), "oldnew");
+  EXPECT_EQ(modeOf(open), 0646u);
+  EXPECT_EQ(folder.entries(), 3u);
+}
+
+TEST(Save, WritesDevicesAndPipesDirectly) {
+  const TempFolder folder;
+  struct stat device = {}, after = {};
+  stat("/dev/null", &device);
+  EXPECT_TRUE(save("/dev/null", "gone"));
+  stat("/dev/null", &after);
+  EXPECT_TRUE(S_ISCHR(after.st_mode) && after.st_ino == device.st_ino);
+
+  const std::string pipe = folder / "pipe", content = randomBytes(200'000);
+  mkfifo(pipe.c_str(), 0600);
+  std::string got;
+  std::thread reader([&] { got = readFile(pipe); });
+  EXPECT_TRUE(save(pipe, content));
+  reader.join();
+  EXPECT_TRUE(got == content);
+  EXPECT_TRUE(std::filesystem::is_fifo(pipe));
+}
+
+// A reader that goes away makes the save fail and nothing else: no signal ends the process.
+TEST(Save, OutlivesTheReaderOfAPipe) {
+  const TempFolder folder;
+  const std::string pipe = folder / "pipe";
+  mkfifo(pipe.c_str(), 0600);
+  const pid_t child = fork();
+  if (child == 0) {
+    signal(SIGPIPE, SIG_DFL);
+    const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
+    vk_files::AtomicFile file;
+    bool right = file.open(pipe.c_str());
+    close(reader);
+    right = right && !file.write("lost", 4) && file.error() == EPIPE && !file.commit();
+    sigset_t waiting, blocked;
+    sigpending(&waiting);
+    pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
+    _exit(right && !sigismember(&waiting, SIGPIPE) && !sigismember(&blocked, SIGPIPE) ? 0 : 1);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+}
+
+// What is saved and what was there before, under each fault; `struck` counts them.
+struct Sweep {
+  TempFolder folder;
+  u32 struck = 0;
+
+  void run(Call call, bool forGood, Fault fault, bool replaces) {
+    for (u32 k = 1;; ++k) {
+      std::filesystem::remove(folder / "f");
+      if (replaces) writeFile(folder / "f", "old content");
+      const u32 before = faults::openDescriptors();
+      bool done = false, wasStruck = false;
+      {
+        const faults::FailCall armed(call, k, forGood, fault);
+        done = save(folder / "f", "new content, longer");
+        wasStruck = armed.struck();
+      }
+      if (!wasStruck) return;
+      ++struck;
+      check(done, call == Call::kAny ? "any" : "", replaces, before);
+    }
+  }
+
+  void check(bool done, const char* what, bool replaces, u32 before) const {
+    const std::string left = readFile(folder / "f");
+    const std::string old = replaces ? "old content" : "(none)";
+    if (done) {
+      EXPECT_EQ(left, "new content, longer") << what;
+    } else {
+      EXPECT_TRUE(left == old || left == "new content, longer") << what << left;
+    }
+    EXPECT_LE(folder.entries(), 1u) << "a temporary is left";
+    EXPECT_EQ(faults::openDescriptors(), before);
+  }
+};
+
+TEST(Save, LeavesOldOrNewAfterEachFailure) {
+  Sweep sweep;
+  for (const bool replaces : {false, true}) {
+    for (const int error : {EIO, ENOSPC, EACCES, EMFILE, EDQUOT, EINTR}) {
+      sweep.run(Call::kAny, false, {Fault::kError, error}, replaces);
+      if (error == EINTR) continue;
+      for (const Call call : {Call::kOpen, Call::kStat, Call::kWrite, Call::kSync, Call::kChmod, Call::kChown,
+                              Call::kAccess, Call::kReadLink, Call::kRename, Call::kClose, Call::kRandom})
+        sweep.run(call, true, {Fault::kError, error}, replaces);
+    }
+    for (const Fault fault :
+         {Fault{Fault::kShort, 1}, Fault{Fault::kHalf, 0}, Fault{Fault::kNothing, 0}, Fault{Fault::kBreak, ENOSPC}})
+      for (const bool forGood : {false, true}) sweep.run(Call::kWrite, forGood, fault, replaces);
+  }
+  EXPECT_GE(sweep.struck, 200u);
+}
+
+// Before the rename every failure leaves the old file; the rename's own and what comes before it are told.
+TEST(Save, TellsEachFailureOfTheDisk) {
+  const TempFolder folder;
+  const std::string path = folder / "f";
+  const struct {
+    Call call;
+    u32 k;
+    const char* left;
+  } kCases[] = {{Call::kWrite, 1, "old"}, {Call::kChmod, 1, "old"},  {Call::kSync, 1, "old"},
+                {Call::kClose, 1, "old"}, {Call::kRename, 1, "old"}, {Call::kSync, 2, "new"}};
+  for (const auto& c : kCases) {
+    writeFile(path, "old");
+    LogText log;
+    const faults::FailCall fault(c.call, c.k, false, {Fault::kError, EIO});
+    EXPECT_FALSE(save(path, "new", &log)) << static_cast<int>(c.call);
+    EXPECT_EQ(readFile(path), c.left) << static_cast<int>(c.call);
+    EXPECT_EQ(log.numErrors(), 1u);
+  }
+}
+
+TEST(Save, IsWholeWhereverTheProcessDies) {
+  for (const bool replaces : {false, true}) {
+    u32 deaths = 0;
+    for (u32 k = 1;; ++k) {
+      const TempFolder folder;
+      const std::string path = folder / "f", content = randomBytes(300'000);
+      if (replaces) writeFile(path, "old content");
+      const pid_t child = fork();
+      if (child == 0) {
+        const faults::FailCall armed(Call::kAny, k, false, {Fault::kDie, 0});
+        _exit(save(path, content) ? 0 : 1);
+      }
+      int status = 0;
+      waitpid(child, &status, 0);
+      const std::string left = readFile(path);
+      EXPECT_TRUE(left == content || left == (replaces ? "old content" : "(none)")) << "call " << k;
+      if (WIFEXITED(status) && WEXITSTATUS(status) == 0) break;
+      ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 9);
+      ++deaths;
+    }
+    EXPECT_GE(deaths, 10u);
+  }
+}
+
+TEST(AtomicFile, TakesPiecesAndCanBeGivenUp) {
+  const TempFolder folder;
+  const std::string path = writeFile(folder / "f", "old");
+  {
+    vk_files::AtomicFile file;
+    EXPECT_TRUE(file.open(path.c_str()) && file.write("new", 3));
+    EXPECT_EQ(readFile(path), "old");
+  }
+  EXPECT_EQ(readFile(path), "old");
+  EXPECT_EQ(folder.entries(), 1u);
+  vk_files::AtomicFile file;
+  EXPECT_FALSE(file.write("x", 1) || file.commit());
+  EXPECT_TRUE(file.open(path.c_str()) && file.write("ne", 2) && file.write(nullptr, 0) && file.write("w", 1));
+  EXPECT_TRUE(file.commit());
+  EXPECT_FALSE(file.write("x", 1) || file.commit());
+  EXPECT_EQ(readFile(path), "new");
+}
+
+}  // namespace
