@@ -1,0 +1,48 @@
+// Room behind the content of an output, for codecs that know an upper bound of what they will write and then count what
+// they have written with `addToSize`.
+#pragma once
+
+#include "varnik/buffer/DataBuffer.h"
+#include "varnik/services/strings/StringBuffer.h"
+
+namespace vk_codec {
+
+/// Makes room for `n` more bytes and returns where they go; null when memory or the size limit stands in the way. `n`
+/// is above 0.
+inline u8* roomFor(DataBuffer& out, u64 n) {
+  if (n > 0xFFFFFFFF) return nullptr;
+  const u32 count = static_cast<u32>(n);
+  if (out.getBufSize() - out.getSize() < count && !out.expandBuffer(count)) return nullptr;
+  return out.getData2() + out.getSize();
+}
+
+inline u8* roomFor(StringBuffer& out, u64 n) {
+  return n > 0xFFFFFFFF ? nullptr : reinterpret_cast<u8*>(out.getAppendPtr(static_cast<u32>(n)));
+}
+
+/// Encodes long inputs piece by piece, so that no more than the worst case of one piece is reserved beyond what is
+/// written. `encode(from, n, to)` writes the text of a piece to `to` and returns its length; `perByte` is the most
+/// characters that a byte takes.
+template <class Encode>
+bool encodeInPieces(const u8* data, u32 n, u32 perByte, StringBuffer& out, Encode encode) {
+  constexpr u32 kPiece = 1U << 24, kSlack = 8;
+  for (u32 i = 0; i < n;) {
+    const u32 piece = n - i < kPiece ? n - i : kPiece;
+    u8* const to = roomFor(out, u64{piece} * perByte + kSlack);
+    if (!to) return false;
+    out.addToSize(encode(data + i, piece, to));
+    i += piece;
+  }
+  return true;
+}
+
+/// White space as the decoders skip it: blank, tab, line feed, vertical tab, form feed, carriage return.
+constexpr bool isSpace(u8 c) {
+  return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+inline const u8* asBytes(const char* text) {
+  return reinterpret_cast<const u8*>(text);
+}
+
+}  // namespace vk_codec
