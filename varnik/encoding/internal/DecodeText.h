@@ -10,6 +10,3 @@
 /// Faults are told also where that operation has to answer true (base64 into a buffer that held bytes already), so
 /// `badAt` counts by itself.
 VARNIK_API DecodeResult vk_decodeText(s32 id, const char* text, u32 n, DataBuffer& out);
-
-/// Appends the bytes of a list of decimal values, as `DataBuffer::appendDecList` does.
-VARNIK_API DecodeResult vk_decodeDecList(const char* text, u32 n, DataBuffer& out);

@@ -1,0 +1,164 @@
+// Text back to bytes, by the name or number of the encoding or of a charset.
+#include <string_view>
+
+#include "varnik/buffer/DataBuffer.h"
+#include "varnik/encoding/internal/DecodeText.h"
+#include "varnik/encoding/internal/SelfAlias.h"
+#include "varnik/services/charset/CharsetNames.h"
+#include "varnik/services/charset/EncodingConvert.h"
+#include "varnik/services/codecs/ContentEncoder.h"
+#include "varnik/services/codecs/EncodingIds.h"
+#include "varnik/services/codecs/UrlCodec.h"
+#include "varnik/services/codecs/internal/EncodingTable.h"
+#include "varnik/services/memory/Text.h"
+#include "varnik/services/numbers/MpIntConvert.h"
+#include "varnik/services/strings/StringBuffer.h"
+
+namespace {
+
+constexpr s32 kUtf8 = 65001;
+
+using Decoder = DecodeResult(const char* text, u32 n, DataBuffer& out);
+
+DecodeResult asResult(bool ok) {
+  return {ok, kNoFault};
+}
+
+DecodeResult decodeTrimmed(Decoder& decode, std::string_view text, DataBuffer& out) {
+  const std::string_view core = vk_codec::trimmed(text);
+  DecodeResult result = decode(core.data(), static_cast<u32>(core.size()), out);
+  if (result.badAt != kNoFault) result.badAt += static_cast<u32>(core.data() - text.data());
+  return result;
+}
+
+// Into a buffer that holds bytes already, base64 goes by way of one of its own, and only the append decides.
+DecodeResult decodeBase64(Decoder& decode, std::string_view text, DataBuffer& out) {
+  if (out.empty()) return decodeTrimmed(decode, text, out);
+  DataBuffer bytes;
+  const DecodeResult result = decodeTrimmed(decode, text, bytes);
+  return {out.append(bytes), result.badAt};
+}
+
+// Where the `count`-th character that is no colon stands.
+u32 skippingColons(std::string_view text, u32 count) {
+  u32 at = 0;
+  for (;; ++at) {
+    if (text[at] == ':') continue;
+    if (count-- == 0) return at;
+  }
+}
+
+DecodeResult decodeFingerprint(std::string_view text, DataBuffer& out) {
+  StringBuffer digits;
+  digits.appendN(text.data(), static_cast<u32>(text.size()));
+  digits.removeCharOccurances(':');
+  DecodeResult result = decodeTrimmed(vk_decodeHex, {digits.getString(), digits.getSize()}, out);
+  if (result.badAt != kNoFault) result.badAt = skippingColons(text, result.badAt);
+  return result;
+}
+
+// A text that is no number counts as far as its digits go; the fault is told and does not decide.
+DecodeResult decodeDecimal(std::string_view text, DataBuffer& out) {
+  mp_int number;
+  const bool clean = MpIntConvert::textToMpInt(number, text.data(), 10);
+  const bool appended = MpIntConvert::mpIntToBytes(number, out);
+  if (clean) return asResult(appended);
+  const std::string_view core = vk_codec::trimmed(text);
+  const std::size_t bad = core.find_first_not_of("0123456789");
+  if (!core.empty() && bad == core.npos) return asResult(appended);  // it was memory that failed
+  const std::size_t at = static_cast<std::size_t>(core.data() - text.data()) + (core.empty() ? 0 : bad);
+  return {appended, static_cast<u32>(at)};
+}
+
+DecodeResult decodeJson(std::string_view text, DataBuffer& out) {
+  StringBuffer plain;
+  const DecodeResult result = vk_decodeJson(text.data(), static_cast<u32>(text.size()), plain);
+  return {out.appendStr(plain.getString()), result.badAt};
+}
+
+DecodeResult decodeEncodedWords(std::string_view text, DataBuffer& out) {
+  StringBuffer words;
+  if (!words.appendN(text.data(), static_cast<u32>(text.size()))) return DecodeResult::noMemory();
+  words.trim2();
+  LogNull log;
+  return asResult(ContentEncoder::decodeId26(words, out, log));
+}
+
+DecodeResult convertCharset(s32 codePage, std::string_view text, DataBuffer& out) {
+  LogNull log;
+  const u8* const bytes = reinterpret_cast<const u8*>(text.data());
+  return asResult(_vkEncodingConvert().EncConvert(kUtf8, codePage, bytes, static_cast<u32>(text.size()), out, log));
+}
+
+}  // namespace
+
+DecodeResult vk_decodeText(s32 id, const char* text, u32 n, DataBuffer& out) {
+  const std::string_view all(text, n);
+  switch (id) {
+    case 0:
+    case 6:
+    case kUtf8:
+      return asResult(out.append(text, n));
+    case 1:
+    case 24:
+      return decodeBase64(vk_decodeBase64, all, out);
+    case 10:
+    case 20:
+      return decodeBase64(vk_decodeBase64Url, all, out);
+    case 2:
+      return vk_decodeQuotedPrintable(text, n, out);
+    case 3:
+    case 25:
+      return decodeTrimmed(vk_decodeHex, all, out);
+    case 4:
+      UrlCodec::urlDecode(text, out);
+      return DecodeResult::good();
+    case 7:
+      return decodeTrimmed(vk_decodeBase58, all, out);
+    case 17:
+      return decodeTrimmed(vk_decodeAscii85, all, out);
+    case 18:
+      return decodeFingerprint(all, out);
+    case 19:
+      return decodeDecimal(all, out);
+    case 21:
+      return vk_decodeBase45(text, n, out);
+    case 22:
+      return decodeJson(all, out);
+    case 23:
+      return vk_decodeDecList(text, n, out);
+    case 26:
+      return decodeEncodedWords(all, out);
+    case 30:
+      return decodeTrimmed(vk_decodeBase32, all, out);
+    case 37:
+      return decodeTrimmed(vk_decodeUu, all, out);
+    default:
+      return convertCharset(id, all, out);
+  }
+}
+
+bool DataBuffer::appendEncoded(const char* text, const char* name) {
+  if (!text) return true;
+  if (!name) return false;
+  if (*text == 0) return true;
+  LogNull log;
+  if (const s32 id = _clsEncode::encodingIdForName(name, log); id != 0) return appendEncodedById(text, id);
+  StringBuffer charset;
+  if (!charset.append(name)) return false;
+  charset.toLowerCase();
+  charset.trim2();
+  return appendEncodedById(text, CharsetNames::codePageForName(charset, nullptr));
+}
+
+bool DataBuffer::appendEncodedById(const char* text, s32 id) {
+  if (!text || *text == 0) return true;
+  const u32 n = vk_strlen(text);
+  if (!vk_pointsInto(text, data_, capacity_)) return vk_decodeText(id, text, n, *this).ok;
+  StringBuffer copy;  // the text would move or be overwritten while it is read
+  return copy.appendN(text, n) && vk_decodeText(id, copy.getString(), n, *this).ok;
+}
+
+bool DataBuffer::appendDecList(const char* text) {
+  return !text || *text == 0 || appendEncodedById(text, 23);
+}
