@@ -1,0 +1,80 @@
+#include <gtest/gtest.h>
+
+#include "tests/support/Bytes.h"
+#include "tests/support/GuardedBytes.h"
+#include "tests/support/Random.h"
+
+namespace {
+
+using namespace std::string_literals;
+
+bool longerModel(const std::string& s, u32 most) {
+  u32 run = 0;
+  for (const char c : s)
+    if ((run = c == '\r' || c == '\n' ? 0 : run + 1) > most) return true;
+  return false;
+}
+
+TEST(Scans, MeasuresLines) {
+  constexpr struct {
+    const char* text;
+    u32 most;
+    bool longer;
+  } kCases[] = {
+      {"abc\r\n", 3, false},      {"abcd\r\n", 3, true},    {"abc\r\nabcd", 3, true},
+      {"abc", 3, false},          {"", 0, false},           {"\r\n\r\n", 0, false},
+      {"\r\na", 0, true},         {"ab\rab\nab", 2, false}, {"abc", 0xFFFFFFFF, false},
+      {"abc", 0xFFFFFFFE, false}, {"abc", 2, true},
+  };
+  for (const auto& c : kCases) EXPECT_EQ(bufferOf(c.text).hasLineLonger(c.most), c.longer) << c.text << ", " << c.most;
+
+  GuardedBytes area(2000);
+  for (u32 seed = 0; seed < 3000; ++seed) {
+    Random random(seed);
+    std::string text;
+    const u32 longest = 1 + random.below(seed % 2 == 0 ? 12 : 200);
+    const u32 end = random.below(1500);
+    while (text.size() < end)
+      text += std::string(random.below(longest + 1), 'x') + random.text(1 + random.below(2), "\r\n");
+    if (text.empty()) continue;
+    DataBuffer b;
+    b.borrowData(area.ending(text), countOf(text));
+    for (const u32 most : {0U, longest - 1, longest, longest / 2, longest + 40})
+      ASSERT_EQ(b.hasLineLonger(most), longerModel(text, most)) << "seed " << seed << ", " << most;
+  }
+}
+
+TEST(Scans, FindsBareLineEnds) {
+  constexpr struct {
+    const char* text;
+    bool bare;
+  } kCases[] = {
+      {"", false},      {"\r\n", false},  {"a\r\nb\r\n\r\n", false}, {"\n", true},   {"\r", true},      {"a\r", true},
+      {"\r\r\n", true}, {"\r\n\n", true}, {"a\r\nb\r", true},        {"\n\r", true}, {"no end", false},
+  };
+  for (const auto& c : kCases) EXPECT_EQ(bufferOf(c.text).containsBareCRLF(), c.bare) << c.text;
+}
+
+TEST(Scans, FindsOneByte) {
+  DataBuffer b = bufferOf("a\x80\xFFz\0"s), none;
+  EXPECT_EQ(b.findByte(0xFF), b.getData2() + 2);
+  EXPECT_EQ(b.findByte(0), b.getData2() + 4);
+  EXPECT_EQ(b.findByte('b'), nullptr);
+  EXPECT_TRUE(b.containsChar('\x80') && b.containsChar('\0') && b.containsChar('a'));
+  EXPECT_FALSE(b.containsChar('b'));
+  b.shorten(2);
+  EXPECT_FALSE(b.containsChar('z')) << "behind the bytes in use";
+  EXPECT_EQ(none.findByte('a'), nullptr);
+  EXPECT_FALSE(none.containsChar('a'));
+}
+
+TEST(Scans, KnowsAlternateZeros) {
+  const struct {
+    const char* hex;
+    bool alternate;
+  } kCases[] = {{"41 00 42 00", true}, {"41 00 42", true}, {"41", false},
+                {"", false},           {"41 42", false},   {"00 00", true}};
+  for (const auto& c : kCases) EXPECT_EQ(bufferOf(fromHex(c.hex)).altBytesNull(), c.alternate) << c.hex;
+}
+
+}  // namespace

@@ -1,0 +1,148 @@
+#include "varnik/simd/Compact.h"
+
+#include <array>
+
+#if VARNIK_HAVE_AVX2
+#include <immintrin.h>
+#endif
+
+namespace vk_simd {
+namespace {
+
+// Which bytes go: of one, and a bit for each of 32.
+struct EqualTo {
+  u8 value;
+  bool operator()(u8 each) const { return each == value; }
+#if VARNIK_HAVE_AVX2
+  [[VARNIK_AVX2]] u32 operator()(__m256i block) const {
+    return static_cast<u32>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(block, _mm256_set1_epi8(static_cast<char>(value)))));
+  }
+#endif
+};
+
+struct ZeroOrHigh {
+  bool operator()(u8 each) const { return each == 0 || each >= 0x80; }
+#if VARNIK_HAVE_AVX2
+  [[VARNIK_AVX2]] u32 operator()(__m256i block) const {
+    return ~static_cast<u32>(_mm256_movemask_epi8(_mm256_cmpgt_epi8(block, _mm256_setzero_si256())));
+  }
+#endif
+};
+
+// Every byte is written, and the next one writes over it where it goes: there is no branch to mispredict.
+template <class Going>
+u32 compactScalar(u8* out, const u8* from, u32 n, Going going) {
+  u32 kept = 0;
+  for (u32 i = 0; i < n; ++i) {
+    const u8 each = from[i];
+    out[kept] = each;
+    kept += !going(each);
+  }
+  return kept;
+}
+
+}  // namespace
+
+u32 dropByteScalar(u8* out, const u8* from, u32 n, u8 value) {
+  return compactScalar(out, from, n, EqualTo{value});
+}
+
+u32 keepAsciiScalar(u8* out, const u8* from, u32 n) {
+  return compactScalar(out, from, n, ZeroOrHigh{});
+}
+
+u32 keepEvenScalar(u8* out, const u8* from, u32 n) {
+  const u32 kept = n / 2 + n % 2;
+  for (u32 i = 0; i < kept; ++i) out[i] = from[2 * i];
+  return kept;
+}
+
+#if VARNIK_HAVE_AVX2
+namespace {
+
+// For each set of eight bytes that go (bit i for byte i): the indexes of those that stay, as a shuffle wants them.
+constexpr auto kStaying = [] {
+  std::array<std::array<u8, 8>, 256> table{};
+  for (u32 going = 0; going < 256; ++going)
+    for (u32 i = 0, kept = 0; i < 8; ++i)
+      if ((going >> i & 1) == 0) table[going][kept++] = static_cast<u8>(i);
+  return table;
+}();
+
+// Writes the bytes of the low half of `eight` that stay; returns how many. Eight bytes are stored whatever stays.
+[[VARNIK_AVX2]] inline u32 compact8(u8* out, __m128i eight, u32 going) {
+  const __m128i order = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(kStaying[going].data()));
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_shuffle_epi8(eight, order));
+  return 8 - static_cast<u32>(__builtin_popcount(going));
+}
+
+[[VARNIK_AVX2]] inline u32 compact16(u8* out, __m128i sixteen, u32 going) {
+  const u32 kept = compact8(out, sixteen, going & 0xFF);
+  return kept + compact8(out + kept, _mm_unpackhi_epi64(sixteen, sixteen), going >> 8);
+}
+
+// A block is in registers before the first store behind it, and the stores stay within as many bytes as were read: so
+// the output may run close behind the input, and needs no room beyond `n`.
+template <class Going>
+[[VARNIK_AVX2]] u32 compactAvx2(u8* out, const u8* from, u32 n, Going going) {
+  u32 i = 0, kept = 0;
+  for (; n - i >= 32; i += 32) {
+    const __m256i block = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from + i));
+    const u32 bits = going(block);
+    if (bits == 0) {
+      _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + kept), block);
+      kept += 32;
+      continue;
+    }
+    kept += compact16(out + kept, _mm256_castsi256_si128(block), bits & 0xFFFF);
+    kept += compact16(out + kept, _mm256_extracti128_si256(block, 1), bits >> 16);
+  }
+  return kept + compactScalar(out + kept, from + i, n - i, going);
+}
+
+}  // namespace
+
+[[VARNIK_AVX2]] u32 dropByteAvx2(u8* out, const u8* from, u32 n, u8 value) {
+  return compactAvx2(out, from, n, EqualTo{value});
+}
+
+[[VARNIK_AVX2]] u32 keepAsciiAvx2(u8* out, const u8* from, u32 n) {
+  return compactAvx2(out, from, n, ZeroOrHigh{});
+}
+
+[[VARNIK_AVX2]] u32 keepEvenAvx2(u8* out, const u8* from, u32 n) {
+  const __m256i even = _mm256_set1_epi16(0x00FF);
+  u32 i = 0;
+  for (; n - i >= 64; i += 64) {
+    const auto* const at = reinterpret_cast<const __m256i*>(from + i);
+    const __m256i a = _mm256_and_si256(_mm256_loadu_si256(at), even);
+    const __m256i b = _mm256_and_si256(_mm256_loadu_si256(at + 1), even);
+    const __m256i packed = _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), 0xD8);
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + i / 2), packed);
+  }
+  return i / 2 + keepEvenScalar(out + i / 2, from + i, n - i);
+}
+#endif
+
+u32 dropByte(u8* out, const u8* from, u32 n, u8 value) {
+#if VARNIK_HAVE_AVX2
+  if (hasAvx2()) return dropByteAvx2(out, from, n, value);
+#endif
+  return dropByteScalar(out, from, n, value);
+}
+
+u32 keepAscii(u8* out, const u8* from, u32 n) {
+#if VARNIK_HAVE_AVX2
+  if (hasAvx2()) return keepAsciiAvx2(out, from, n);
+#endif
+  return keepAsciiScalar(out, from, n);
+}
+
+u32 keepEven(u8* out, const u8* from, u32 n) {
+#if VARNIK_HAVE_AVX2
+  if (hasAvx2()) return keepEvenAvx2(out, from, n);
+#endif
+  return keepEvenScalar(out, from, n);
+}
+
+}  // namespace vk_simd
