@@ -6,7 +6,6 @@
 #include "varnik/encoding/internal/SelfAlias.h"
 #include "varnik/services/charset/CharsetNames.h"
 #include "varnik/services/charset/EncodingConvert.h"
-#include "varnik/services/codecs/ContentEncoder.h"
 #include "varnik/services/codecs/EncodingIds.h"
 #include "varnik/services/codecs/UrlCodec.h"
 #include "varnik/services/codecs/internal/EncodingTable.h"
@@ -76,14 +75,6 @@ DecodeResult decodeJson(std::string_view text, DataBuffer& out) {
   return {out.appendStr(plain.getString()), result.badAt};
 }
 
-DecodeResult decodeEncodedWords(std::string_view text, DataBuffer& out) {
-  StringBuffer words;
-  if (!words.appendN(text.data(), static_cast<u32>(text.size()))) return DecodeResult::noMemory();
-  words.trim2();
-  LogNull log;
-  return asResult(ContentEncoder::decodeId26(words, out, log));
-}
-
 DecodeResult convertCharset(s32 codePage, std::string_view text, DataBuffer& out) {
   LogNull log;
   const u8* const bytes = reinterpret_cast<const u8*>(text.data());
@@ -128,7 +119,7 @@ DecodeResult vk_decodeText(s32 id, const char* text, u32 n, DataBuffer& out) {
     case 23:
       return vk_decodeDecList(text, n, out);
     case 26:
-      return decodeEncodedWords(all, out);
+      return decodeTrimmed(vk_decodeWords, all, out);
     case 30:
       return decodeTrimmed(vk_decodeBase32, all, out);
     case 37:

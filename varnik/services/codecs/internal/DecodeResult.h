@@ -40,3 +40,6 @@ VARNIK_API DecodeResult vk_decodeJson(const char* text, u32 n, StringBuffer& out
 /// A list of decimal byte values, as `DataBuffer::appendDecList` reads it. `out` grows as single bytes make it grow;
 /// a byte that finds no memory is left out, which the answer does not tell.
 VARNIK_API DecodeResult vk_decodeDecList(const char* text, u32 n, DataBuffer& out);  // DecList.cpp
+/// A header value with encoded words (RFC 2047), to UTF-8. The fault is the first word in a charset that is not known,
+/// which stays as it stands, or whose content is not what it should be, which is decoded as far as that goes.
+VARNIK_API DecodeResult vk_decodeWords(const char* text, u32 n, DataBuffer& out);  // EncodedWordDecode.cpp
