@@ -1,6 +1,8 @@
 // Allocation failures on demand: the test programs replace operator new and delete, in all their forms.
 #pragma once
 
+#include <initializer_list>
+
 #include "varnik/services/memory/Types.h"
 
 namespace faults {
