@@ -1,0 +1,141 @@
+// The names of charsets, and the numbers.
+#include <gtest/gtest.h>
+
+#include <climits>
+
+#include "tests/services/CharsetSupport.h"
+
+namespace {
+
+s32 numberOf(const char* name) {
+  StringBuffer label(name);
+  return CharsetNames::codePageForName(label, nullptr);
+}
+std::string canonical(const char* name) {
+  StringBuffer label(name);
+  return CharsetNames::canonicalizeCharset(label) ? textOf(label) : "none, " + textOf(label);
+}
+
+constexpr struct {
+  const char *label, *name;
+  s32 number;
+} kLabels[] = {
+    {"utf-8", "utf-8", 65001},
+    {"UTF_8", "utf-8", 65001},
+    {" utf8\r\n", "utf-8", 65001},
+    {"unicode-1-1-utf-8", "utf-8", 65001},
+    {"UTF-16", "utf-16", 1200},
+    {"ucs-2", "utf-16", 1200},
+    {"utf-16le", "utf-16le", 1200},
+    {"UTF16BE", "utf-16be", 1201},
+    {"unicodeFFFE", "utf-16be", 1201},
+    {"utf-32", "utf-32", 12000},
+    {"UTF-32BE", "utf-32be", 12001},
+    {"Latin1", "iso-8859-1", 28591},
+    {"ISO_8859-1:1987", "iso-8859-1", 28591},
+    {"csISOLatin1", "iso-8859-1", 28591},
+    {"iso88591", "iso-8859-1", 28591},
+    {"us-ascii", "us-ascii", 20127},
+    {"ANSI_X3.4-1968", "us-ascii", 20127},
+    {"cp1252", "windows-1252", 1252},
+    {"x-cp1252", "windows-1252", 1252},
+    {"Windows-1251", "windows-1251", 1251},
+    {"cp28605", "iso-8859-15", 28605},
+    {"iso8859-15", "iso-8859-15", 28605},
+    {"iso-8859-16", "iso-8859-16", 28606},
+    {"iso-8859-8-i", "iso-8859-8-i", 38598},
+    {"shift-jis", "shift_jis", 932},
+    {"sjis", "shift_jis", 932},
+    {"windows-31j", "shift_jis", 932},
+    {"GB2312", "gbk", 936},
+    {"GB18030", "gb18030", 54936},
+    {"korean", "ks_c_5601-1987", 949},
+    {"EUC-KR", "euc-kr", 51949},
+    {"Big5", "big5", 950},
+    {"x-euc-jp", "euc-jp", 51932},
+    {"iso-2022-jp", "iso-2022-jp", 50220},
+    {"KOI8_R", "koi8-r", 20866},
+    {"866", "ibm866", 866},
+    {"CP00858", "ibm00858", 858},
+    {"ibm37", "ibm037", 37},
+    {"cp037", "ibm037", 37},
+    {"mac", "macintosh", 10000},
+    {"utf-7", "utf-7", 65000},
+};
+
+TEST(CharsetNames, KnowsTheLabelsOfTheStandardsAndOfPeople) {
+  for (const auto& c : kLabels) {
+    EXPECT_EQ(canonical(c.label), c.name) << c.label;
+    EXPECT_EQ(numberOf(c.label), c.number) << c.label;
+    EXPECT_EQ(canonical(c.name), c.name);
+    Charset charset;
+    EXPECT_TRUE(charset.setByName(c.label)) << c.label;
+    EXPECT_EQ(charset.getCodePage(), c.number) << c.label;
+  }
+  EXPECT_EQ(canonical("Utf-8"), _vkLit_utf8());
+}
+
+TEST(CharsetNames, LeavesUnknownNamesAlone) {
+  for (const char* name : {"", " ", "-", "utf-9", "klingon", "cp", "cp0", "cp1", "cp36", "cp-1", "windows-99999",
+                           "cp4294968548", "cp12521252125212521252", "iso-8859-12", "iso-8859-1x", "utf-8\xC3\xA9"}) {
+    EXPECT_EQ(canonical(name), std::string("none, ") + name);
+    EXPECT_EQ(numberOf(name), 0) << name;
+    Charset charset;
+    charset.setByName("utf-8");
+    EXPECT_FALSE(charset.setByName(name));
+    EXPECT_EQ(charset.getCodePage(), 0);
+  }
+  EXPECT_FALSE(Charset().setByName(nullptr));
+  StringBuffer cut;
+  cut.appendN("utf-8\0", 6);
+  EXPECT_FALSE(CharsetNames::canonicalizeCharset(cut)) << "a zero byte belongs to no name";
+  LogText log;
+  CharsetNames::codePageForName(cut, &log);
+  EXPECT_EQ(log.numErrors(), 1u);
+}
+
+TEST(CharsetNames, EveryNameThatIsListedCanBeConverted) {
+  EXPECT_EQ(CharsetNames::nameAt(CharsetNames::count()), nullptr);
+  EXPECT_EQ(CharsetNames::labelAt(CharsetNames::countLabels()), nullptr);
+  const auto check = [](const char* label) {
+    const s32 number = numberOf(label);
+    ASSERT_GT(number, 36) << label;
+    EXPECT_EQ(numberOf(canonical(label).c_str()), number) << label;
+    const Converted there = convert(65001, number, "A 1");
+    EXPECT_TRUE(there.good) << label;
+    EXPECT_EQ(convert(number, 65001, there.text), (Converted{"A 1", true})) << label;
+  };
+  for (u32 i = 0; i < CharsetNames::count(); ++i) {
+    check(CharsetNames::nameAt(i));
+    EXPECT_EQ(canonical(CharsetNames::nameAt(i)), CharsetNames::nameAt(i));
+  }
+  for (u32 i = 0; i < CharsetNames::countLabels(); ++i) check(CharsetNames::labelAt(i));
+}
+
+// The Windows code pages that ICU has a table for.
+constexpr s32 kWindows[] = {
+    37,    437,   500,   708,   720,   737,   775,   850,   852,   855,   857,   858,   860,   861,   862,
+    863,   864,   865,   866,   869,   870,   874,   875,   932,   936,   949,   950,   1026,  1047,  1140,
+    1141,  1142,  1143,  1144,  1145,  1146,  1147,  1148,  1149,  1200,  1201,  1250,  1251,  1252,  1253,
+    1254,  1255,  1256,  1257,  1258,  10000, 10006, 10007, 10017, 10029, 10081, 12000, 12001, 20127, 20273,
+    20277, 20278, 20280, 20284, 20285, 20290, 20297, 20420, 20424, 20838, 20866, 20871, 20932, 20936, 20949,
+    21025, 21866, 28591, 28592, 28593, 28594, 28595, 28596, 28597, 28598, 28599, 28603, 28605, 38598, 50220,
+    50221, 50222, 50225, 50227, 50229, 50930, 50931, 50933, 50935, 50937, 50939, 51932, 51936, 51949, 51950,
+    52936, 54936, 57002, 57003, 57004, 57005, 57006, 57007, 57008, 57009, 57010, 57011, 65000, 65001};
+
+TEST(CodePages, KnowsThoseOfWindowsAndNoOthers) {
+  for (const s32 page : kWindows) {
+    const Converted there = convert(65001, page, "x=1");
+    EXPECT_TRUE(there.good && !there.text.empty()) << page;
+    EXPECT_EQ(convert(page, 65001, there.text), (Converted{"x=1", true})) << page;
+  }
+  std::vector<s32> unknown = {-1, -1200, -12000, INT_MIN, INT_MAX, 42, 1199, 1252000, 65002, 99999};
+  for (s32 i = 0; i <= 36; ++i) unknown.push_back(i);
+  for (const s32 page : unknown) {
+    EXPECT_EQ(convert(65001, page, "x"), (Converted{"", false})) << page;
+    EXPECT_EQ(convert(page, 65001, "x"), (Converted{"", false})) << page;
+    EXPECT_EQ(convert(page, 65001, ""), (Converted{"", false})) << page;
+  }
+}
+
+}  // namespace
