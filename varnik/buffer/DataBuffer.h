@@ -156,9 +156,10 @@ class VARNIK_API DataBuffer : public VarnikObject {
 
   /// Appends `n` bytes.
   bool append(const void* source, u32 n) {
-    if (validity_ == kValid && source && n <= capacity_ - size_ && data_) {
+    const u64 end = u64{size_} + n;
+    if (end <= writable_ && validity_ == kValid && source) [[likely]] {
       __builtin_memmove(data_ + size_, source, n);
-      size_ += n;
+      size_ = static_cast<u32>(end);
       return true;
     }
     return appendSlow(source, n);
@@ -175,8 +176,10 @@ class VARNIK_API DataBuffer : public VarnikObject {
   bool appendReverse(const void* source, u32 n, bool reverse);
   /// Appends one byte.
   bool appendChar(u8 c) {
-    if (validity_ == kValid && size_ < capacity_ && data_) {
-      data_[size_++] = c;
+    const u32 at = size_;
+    if (at < writable_ && validity_ == kValid) [[likely]] {
+      data_[at] = c;
+      size_ = at + 1;
       return true;
     }
     return appendCharSlow(c);
@@ -460,6 +463,7 @@ class VARNIK_API DataBuffer : public VarnikObject {
   u32 capacity_ = 0;      // bytes of the block
   u8 validity_ = kValid;  // kValid until the destructor runs, 0 from then on
   u8 borrowed_ = 0;       // the block is a caller's: never released here
+  u32 writable_ = 0;      // capacity_ where there is a block, else 0: what the inline appends compare with
   u8* data_ = nullptr;
 
  public:

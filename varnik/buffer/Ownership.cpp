@@ -38,6 +38,7 @@ void DataBuffer::swapData(DataBuffer& other) {
   std::swap(size_, other.size_);
   std::swap(capacity_, other.capacity_);
   std::swap(borrowed_, other.borrowed_);
+  std::swap(writable_, other.writable_);
   std::swap(secure, other.secure);
 }
 

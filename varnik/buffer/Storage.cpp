@@ -31,6 +31,7 @@ DataBuffer::DataBuffer(DataBuffer&& other) noexcept
       size_(std::exchange(other.size_, 0)),
       capacity_(std::exchange(other.capacity_, 0)),
       borrowed_(std::exchange(other.borrowed_, u8{0})),
+      writable_(std::exchange(other.writable_, 0)),
       data_(std::exchange(other.data_, nullptr)),
       secure(std::exchange(other.secure, u8{0})) {}
 
@@ -90,6 +91,7 @@ void DataBuffer::install(u8* block, u32 size, u32 capacity, bool borrowed) {
   size_ = size;
   capacity_ = capacity;
   borrowed_ = borrowed;
+  writable_ = block ? capacity : 0;
 }
 
 void DataBuffer::deallocate() {
