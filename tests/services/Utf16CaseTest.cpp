@@ -90,7 +90,8 @@ TEST(Utf16Search, AgreesWithThePlainSearch) {
   constexpr char16_t kLetters[] = u"aAbB\u00E9\u00C9\u03A3\u03C3\u03C2kK\u212A";
   for (u32 round = 0; round < 20'000; ++round) {
     const auto letters = 2 + next() % 11;  // few letters make many near misses
-    std::u16string text(next() % (round % 100 == 0 ? 6000 : 300), u'a'), needle(next() % 9 * (round % 3 == 0 ? 5 : 1), u'a');
+    std::u16string text(next() % (round % 100 == 0 ? 6000 : 300), u'a'),
+        needle(next() % 9 * (round % 3 == 0 ? 5 : 1), u'a');
     for (auto* s : {&text, &needle})
       for (char16_t& c : *s) c = kLetters[next() % letters];
     if (round % 2 && needle.size() <= text.size()) text.replace(text.size() - needle.size(), needle.size(), needle);

@@ -66,11 +66,9 @@ bool DataBuffer::chopAtLastCharW(u16 ch) {
 }
 
 void DataBuffer::toUppercaseW() {
-  Units units(data_, size_);
-  for (u32 i = 0; i < units.count(); ++i) units.set(i, Utf16Case::toUpper(units.at(i)));
+  Utf16Case::toUpper(data_, size_ / 2);
 }
 
 void DataBuffer::toLowercaseW() {
-  Units units(data_, size_);
-  for (u32 i = 0; i < units.count(); ++i) units.set(i, Utf16Case::toLower(units.at(i)));
+  Utf16Case::toLower(data_, size_ / 2);
 }
