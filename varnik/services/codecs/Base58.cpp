@@ -27,7 +27,6 @@ constexpr std::array<u8, 256> kValues = [] {
 constexpr u32 kSmallBytes = 64;
 constexpr u32 kSmallDigits = 88;      // 58^88 is above 2^512
 constexpr u32 kPower5 = 656'356'768;  // 58^5, the most that fits a 32-bit limb
-constexpr u64 kPower10 = u64{kPower5} * kPower5;
 
 // More digits than the limbs of `n` bytes have: a byte has 8 / log2(58) = 1.3658 of them.
 constexpr u64 mostDigits(u32 n) {
