@@ -56,15 +56,16 @@ DecodeResult decodeFingerprint(std::string_view text, DataBuffer& out) {
   return result;
 }
 
-// A text that is no number counts as far as its digits go; the fault is told and does not decide.
+// A text that is no number counts as far as its digits go; the fault is told and does not decide. Without memory
+// nothing is appended: the bytes of 0 would pass for an answer.
 DecodeResult decodeDecimal(std::string_view text, DataBuffer& out) {
   mp_int number;
   const bool clean = MpIntConvert::textToMpInt(number, text.data(), 10);
+  const std::string_view core = vk_codec::trimmed(text);
+  const std::size_t bad = clean ? core.npos : core.find_first_not_of("0123456789");
+  if (!clean && !core.empty() && bad == core.npos) return DecodeResult::noMemory();
   const bool appended = MpIntConvert::mpIntToBytes(number, out);
   if (clean) return asResult(appended);
-  const std::string_view core = vk_codec::trimmed(text);
-  const std::size_t bad = core.find_first_not_of("0123456789");
-  if (!core.empty() && bad == core.npos) return asResult(appended);  // it was memory that failed
   const std::size_t at = static_cast<std::size_t>(core.data() - text.data()) + (core.empty() ? 0 : bad);
   return {appended, static_cast<u32>(at)};
 }
