@@ -7,6 +7,7 @@
 #include "varnik/services/crypto/SymmetricCrypt.h"
 
 #include <openssl/core_names.h>
+#include <openssl/crypto.h>
 #include <openssl/err.h>
 #include <openssl/evp.h>
 #include <openssl/kdf.h>
@@ -27,9 +28,12 @@ constexpr u32 kMostAtOnce = 1U << 30;                             // libcrypto c
 constexpr char kPurpose[] = "varnik SymmetricCrypt AES-256-GCM";  // never changes: old ciphertexts depend on it
 
 // Looking an algorithm up costs more than encrypting a short message, so the first one found is kept. A failure is not.
+// Libcrypto 3.0 goes on with a default context whose making has failed for want of memory, and crashes: so it is asked
+// for first.
 EVP_CIPHER* cipher() {
   static std::atomic<EVP_CIPHER*> kept{nullptr};
   if (EVP_CIPHER* known = kept.load(std::memory_order_acquire)) return known;
+  if (!OSSL_LIB_CTX_get0_global_default()) return nullptr;
   EVP_CIPHER* fetched = EVP_CIPHER_fetch(nullptr, "AES-256-GCM", nullptr);
   EVP_CIPHER* before = nullptr;
   if (kept.compare_exchange_strong(before, fetched, std::memory_order_acq_rel)) return fetched;
