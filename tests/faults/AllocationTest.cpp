@@ -114,6 +114,12 @@ TEST(AllocationFailures, Buffer) {
 TEST(AllocationFailures, Strings) {
   refuseEach(stringOperations());
 }
+TEST(AllocationFailures, Encodings) {
+  refuseEach(encodingOperations());
+}
+TEST(AllocationFailures, Charsets) {
+  refuseEach(charsetOperations());
+}
 TEST(AllocationFailures, Secrets) {
   refuseEach(secretOperations());
 }

@@ -79,6 +79,8 @@ inline Operation alwaysTrue(Operation op) {
 
 std::vector<Operation> bufferOperations();
 std::vector<Operation> stringOperations();
+std::vector<Operation> encodingOperations();
+std::vector<Operation> charsetOperations();
 std::vector<Operation> secretOperations();
 std::vector<Operation> fileOperations();
 

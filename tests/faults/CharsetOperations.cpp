@@ -1,0 +1,60 @@
+#include "tests/faults/Operations.h"
+#include "varnik/services/charset/internal/CharsetTable.h"
+
+namespace faults {
+namespace {
+
+constexpr s32 kUtf8 = 65001;
+
+std::string sample() {
+  std::string text;
+  for (u32 i = 0; i < 200; ++i) text += "plain caf\xC3\xA9 \xD0\xAF \xE6\x97\xA5\xE6\x9C\xAC \xF0\x9F\x98\x80 ";
+  return text;
+}
+
+Operation converting(const std::string& what, s32 from, s32 to, std::string text) {
+  return extending(what, [=](Scene& s) {
+    LogNull log;
+    return _vkEncodingConvert().EncConvert(from, to, bytesOf(text), countOf(text), s.buffer, log);
+  });
+}
+
+std::string converted(s32 to, const std::string& text) {
+  LogNull log;
+  DataBuffer out;
+  _vkEncodingConvert().EncConvert(kUtf8, to, bytesOf(text), countOf(text), out, log);
+  return textOf(out);
+}
+
+}  // namespace
+
+std::vector<Operation> charsetOperations() {
+  const std::string text = sample();
+  std::vector<Operation> all = {
+      extending("ChConvert2",
+                [text](Scene& s) {
+                  LogNull log;
+                  StringBuffer name;
+                  return name.append("Shift_JIS") &&
+                         _vkEncodingConvert().ChConvert2(name, kUtf8, bytesOf(text), 900, s.buffer, log);
+                }),
+      row("canonicalizeCharset", Leaves::kAnything,
+          [](Scene& s) {
+            s.text.clear();
+            return s.text.append(" Latin1 ") && CharsetNames::canonicalizeCharset(s.text);
+          }),
+      extending("appendEncoded by charset",
+                [text](Scene& s) { return s.buffer.appendEncoded(text.c_str(), " KOI8-R "); }),
+      converting("euc-kr to gb18030", 51949, 54936, converted(51949, text)),
+  };
+  u32 count = 0;
+  const vk_charset::CharsetInfo* const charsets = vk_charset::charsets(count);
+  for (u32 i = 0; i < count; ++i) {
+    const s32 page = vk_charset::codePageOf(charsets[i].id);
+    all.push_back(converting(std::string("to ") + charsets[i].name, kUtf8, page, text));
+    all.push_back(converting(std::string("from ") + charsets[i].name, page, kUtf8, converted(page, text)));
+  }
+  return all;
+}
+
+}  // namespace faults

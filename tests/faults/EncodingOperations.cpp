@@ -1,0 +1,120 @@
+#include "tests/faults/Operations.h"
+#include "varnik/services/codecs/internal/EncodingTable.h"
+
+namespace faults {
+namespace {
+
+using vk_codec::TextCodec;
+
+/// What a caller would write for a row of the table of names.
+std::string nameOf(const vk_codec::EncodingName& row) {
+  const std::string name(row.name);
+  return row.match == vk_codec::NameMatch::whole   ? name
+         : row.codec == TextCodec::quotedPrintable ? name + "40"
+                                                   : name + "print";
+}
+
+/// Text that every encoding carries there and back: no zero byte, valid UTF-8, much to escape.
+std::string sampleOf(u32 n) {
+  std::string text = "=?";
+  while (text.size() < n) text += "caf\xC3\xA9 \"x\"\r\n\t=3D \xE2\x82\xAC%41\x01~";
+  return text.substr(0, n);
+}
+
+std::string encoded(const std::string& name, const std::string& bytes) {
+  StringBuffer text;
+  DataBuffer::encodeDB2(name.c_str(), bytesOf(bytes), countOf(bytes), text);
+  return textOf(text);
+}
+
+// Its encoder answers true whatever became of the appends.
+bool encodesAlwaysTrue(TextCodec codec) {
+  switch (codec) {
+    case TextCodec::hex:
+    case TextCodec::hexLower:
+    case TextCodec::fingerprint:
+    case TextCodec::urlRfc3986:
+    case TextCodec::urlRfc1738:
+    case TextCodec::urlRfc2396:
+    case TextCodec::decimal:
+      return true;
+    default:
+      return false;
+  }
+}
+
+// Its decoder does, or answers by its last step alone.
+bool decodesAlwaysTrue(TextCodec codec) {
+  switch (codec) {
+    case TextCodec::base64:  // where bytes were held before
+    case TextCodec::base64Mime:
+    case TextCodec::base64CrEntity:
+    case TextCodec::base64Cr13Entity:
+    case TextCodec::base64Url:
+    case TextCodec::modBase64:
+    case TextCodec::fingerprint:
+    case TextCodec::decList:
+    case TextCodec::urlRfc3986:
+    case TextCodec::urlRfc1738:
+    case TextCodec::urlRfc2396:
+    case TextCodec::json:
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+std::vector<Operation> encodingOperations() {
+  std::vector<Operation> all;
+  for (const auto& row : vk_codec::encodingNames())
+    for (const u32 n : {1u, 60u, 9000u}) {
+      const std::string name = nameOf(row), bytes = sampleOf(n), text = encoded(name, bytes);
+      Operation encode = extending(
+          "encode " + name, [=](Scene& s) { return DataBuffer::encodeDB2(name.c_str(), bytesOf(bytes), n, s.text); });
+      encode.answersTruly = !encodesAlwaysTrue(row.codec);
+      Operation decode =
+          extending("decode " + name, [=](Scene& s) { return s.buffer.appendEncoded(text.c_str(), name.c_str()); });
+      decode.answersTruly = !decodesAlwaysTrue(row.codec);
+      all.push_back(encode);
+      all.push_back(decode);
+    }
+  const std::vector<Operation> others = {
+      extending("encodeDB", [](Scene& s) { return s.source.encodeDB("base64", s.text); }),
+      extending("getEncodedRange", [](Scene& s) { return s.source.getEncodedRange("qp", 7, 900, s.text); }),
+      alwaysTrue(op("parseDataEnc",
+                    [](Scene& s) {
+                      u32 at = 10;
+                      const bool done = s.source.parseDataEnc(at, 900, "base64", s.text);
+                      return at == (done ? 910u : 10u) && done;
+                    })),
+      alwaysTrue(extending("appendDecList", [](Scene& s) { return s.buffer.appendDecList("1, 2 3,255"); })),
+      extending("toHexString", [](Scene& s) { s.source.toHexString(s.text); }),
+      extending("toHexLines", [](Scene& s) { s.source.toHexLines(s.text, 16); }),
+      extending("jsonEscape",
+                [](Scene& s) { return s.text.append("\"\x01\x02\x03\x04\x05\x06\x07\x08") && s.text.jsonEscape(); }),
+      extending("jsonDecode", [](Scene& s) { return StringBuffer::jsonDecode(R"(ab\u00e9\ud83d\ude00)", 20, s.text); }),
+      extending("hexStringToBinary",
+                [](Scene& s) {
+                  s.text.weakClear();
+                  return s.text.append("00 11 22 aB") && s.text.hexStringToBinary(s.buffer);
+                }),
+      alwaysTrue(extending("LogText",
+                           [](Scene& s) {
+                             LogText log;
+                             log.LogError("an error that is kept");
+                             log.LogDataHex("bytes", s.source.getData2(), 40);
+                             return log.numErrors() == 1 && s.text.append(log.getText());
+                           })),
+      extending("view logViewData",
+                [](Scene& s) {
+                  LogText log;
+                  s.view.logViewData("tag", true, log);
+                }),
+  };
+  all.insert(all.end(), others.begin(), others.end());
+  return all;
+}
+
+}  // namespace faults

@@ -1,0 +1,74 @@
+// The first use of ICU and of OpenSSL makes what they keep for the life of the process: each allocation of it is
+// refused in a process of its own. (This suite comes first in the program: nothing may have used them before.)
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "tests/faults/Operations.h"
+#include "tests/support/Allocations.h"
+#include "tests/support/Soak.h"
+
+namespace faults {
+namespace {
+
+enum Exit { kAsPromised, kNotStruck, kBroken };
+
+constexpr struct {
+  const char* what;
+  bool (*call)(Scene&);     // what is refused memory
+  bool (*isRight)(Scene&);  // whether a call that said true has done what it should
+} kCalls[] = {
+    {"a legacy charset", [](Scene& s) { return s.buffer.appendEncoded("\xE6\x97\xA5", "Shift_JIS"); },
+     [](Scene& s) { return textOf(s.buffer) == "\x93\xFA"; }},
+    {"encryption",
+     [](Scene& s) {
+       LogNull log;
+       return SymmetricCrypt::encryptBytes(256, nullptr, s.key, s.source.getData2(), 900, s.buffer, log);
+     },
+     [](Scene& s) { return s.buffer.size() == 928; }},
+    {"decryption under a derived key",
+     [](Scene& s) {
+       LogNull log;
+       s.key.shorten(1);
+       DataBuffer hidden;
+       return SymmetricCrypt::encryptBytes(256, nullptr, s.key, bytesOf("plain"), 5, hidden, log) &&
+              SymmetricCrypt::decryptBytes(256, nullptr, s.key, hidden.getData2(), hidden.size(), s.buffer, log);
+     },
+     [](Scene& s) { return textOf(s.buffer) == "plain"; }},
+};
+
+template <class Call>
+Exit tryIn(const Call& row, u32 k, bool forGood) {
+  Scene scene;
+  scene.source = bufferOf(randomBytes(5000));
+  scene.key = bufferOf("0123456789abcdef0123456789ABCDEF");
+  bool done, struck;
+  {
+    const FailAllocation refusal(k, forGood);
+    done = row.call(scene);
+    struck = refusal.struck();
+  }
+  if (done ? !row.isRight(scene) : !struck) return kBroken;
+  if (!done && !scene.buffer.empty()) return kBroken;
+  return struck ? kAsPromised : kNotStruck;
+}
+
+TEST(FirstUse, SurvivesEachRefusal) {
+  u32 refusals = 0;
+  for (const auto& row : kCalls)
+    refusals += failEachAllocation([&](u32 i, bool forGood) {
+      const u32 k = 1 + (i - 1) * (soaks() ? 1 : 29);
+      const pid_t child = fork();
+      if (child == 0) _exit(tryIn(row, k, forGood));
+      int status = 0;
+      waitpid(child, &status, 0);
+      EXPECT_TRUE(WIFEXITED(status)) << row.what << ", allocation " << k << (forGood ? " and all after it" : "");
+      const int said = WIFEXITED(status) ? WEXITSTATUS(status) : kBroken;
+      EXPECT_NE(said, kBroken) << row.what << ", allocation " << k << (forGood ? " and all after it" : "");
+      return said == kAsPromised;
+    });
+  std::printf("%u refusals\n", refusals);
+}
+
+}  // namespace
+}  // namespace faults
