@@ -120,6 +120,9 @@ TEST(AllocationFailures, Encodings) {
 TEST(AllocationFailures, Charsets) {
   refuseEach(charsetOperations());
 }
+TEST(AllocationFailures, Texts) {
+  refuseEach(textOperations());
+}
 TEST(AllocationFailures, Secrets) {
   refuseEach(secretOperations());
 }

@@ -11,6 +11,10 @@
 namespace faults {
 namespace {
 
+const u16* unitsOf(const char16_t* text) {
+  return reinterpret_cast<const u16*>(text);
+}
+
 enum Exit { kAsPromised, kNotStruck, kBroken };
 
 constexpr struct {
@@ -20,6 +24,9 @@ constexpr struct {
 } kCalls[] = {
     {"a legacy charset", [](Scene& s) { return s.buffer.appendEncoded("\xE6\x97\xA5", "Shift_JIS"); },
      [](Scene& s) { return textOf(s.buffer) == "\x93\xFA"; }},
+    {"case folding",
+     [](Scene&) { return vk_findUtf16NoCase(unitsOf(u"x\u00C9y"), 3, unitsOf(u"\u00E9"), 1) != nullptr; },
+     [](Scene&) { return true; }},
     {"encryption",
      [](Scene& s) {
        LogNull log;

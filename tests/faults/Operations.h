@@ -82,6 +82,7 @@ std::vector<Operation> stringOperations();
 std::vector<Operation> encodingOperations();
 std::vector<Operation> charsetOperations();
 std::vector<Operation> secretOperations();
+std::vector<Operation> textOperations();
 std::vector<Operation> fileOperations();
 
 }  // namespace faults
