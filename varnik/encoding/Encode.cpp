@@ -149,8 +149,10 @@ bool DataBuffer::getEncodedRange(const char* encoding, u32 start, u32 count, Str
 bool DataBuffer::parseDataEnc(u32& index, u32 numBytes, const char* encoding, StringBuffer& out) const {
   if (numBytes == 0) return true;
   if (index >= size_ || numBytes > size_ - index) return false;
-  const u32 start = index;
+  DataBuffer field;  // its memory is asked for before anything is rendered or moved
+  field.secure = secure;
+  if (!field.append(data_ + index, numBytes)) return false;
+  encodeDB2(encoding, field.data_, numBytes, out);
   index += numBytes;
-  encodeDB2(encoding, data_ + start, numBytes, out);
   return true;
 }
