@@ -1,0 +1,166 @@
+// XML documents in many charsets, made by the C library's converter, into UTF-8.
+#include <gtest/gtest.h>
+
+#include "tests/services/CharsetSupport.h"
+#include "tests/support/Allocations.h"
+
+namespace {
+
+const std::string kBody = "<stra\u00DFe n=\"1\">\u00E9\u00E8</stra\u00DFe>\n";
+
+std::string document(std::string_view declared) {
+  return declared.empty() ? kBody : "<?xml version=\"1.0\" " + std::string(declared) + "?>\n" + kBody;
+}
+
+struct Row {
+  const char* why;
+  std::string given, want;
+};
+
+const Row kRows[] = {
+    {"a UTF-8 mark is all that goes", "\xEF\xBB\xBF" + document("encoding='iso-8859-1'"),
+     document("encoding='iso-8859-1'")},
+    {"two bytes of that mark are none",
+     "\xEF\xBB"
+     "<a/>",
+     "\xEF\xBB"
+     "<a/>"},
+    {"a UTF-16BE mark outdoes the declaration",
+     fromHex("FEFF") + convert(65001, 1201, document("encoding='koi8-r'")).text, document("encoding='koi8-r'")},
+    {"a UTF-16LE mark", fromHex("FFFE") + convert(65001, 1200, document("")).text, document("")},
+    {"a mark and nothing else", fromHex("FFFE"), ""},
+    {"a mark before half a unit", fromHex("FFFE 4100 42"), "A\uFFFD"},
+    {"UTF-16LE by its zero bytes", convert(65001, 1200, document("encoding='utf-16'")).text,
+     document("encoding='utf-16'")},
+    {"UTF-16BE by its zero bytes", convert(65001, 1201, document("")).text, document("")},
+    {"UTF-32BE with a mark", convert(65001, 12001, "\uFEFF" + document("")).text,
+     convert(1201, 65001, convert(65001, 12001, document("")).text).text},
+    {"five bytes are enough", fromHex("4100420043"), fromHex("4100420043")},
+    {"six too", fromHex("410042004300"), "ABC"},
+    {"four are not", fromHex("41004200"), fromHex("41004200")},
+    {"latin 1", convert(65001, 28591, document("encoding=\"ISO-8859-1\"")).text, document("encoding=\"ISO-8859-1\"")},
+    {"blanks and upper case", convert(65001, 1252, document("ENCODING = 'Windows-1252'")).text,
+     document("ENCODING = 'Windows-1252'")},
+    {"ibm, single quotes", convert(65001, 850, document("encoding='IBM850'")).text, document("encoding='IBM850'")},
+    {"the value runs to a later double quote", convert(65001, 1252, document("encoding='cp1252' x=\"y\"")).text,
+     convert(65001, 1252, document("encoding='cp1252' x=\"y\"")).text},
+    {"a tab is no blank", "<?xml encoding\t='latin1'?>\xE9", "<?xml encoding\t='latin1'?>\xE9"},
+    {"the declaration may stand anywhere", "\n\n <a/><?xml encoding='latin1'?>\xE9",
+     "\n\n <a/><?xml encoding='latin1'?>\u00E9"},
+    {"behind a zero byte it is not found", std::string(200, ' ') + '\0' + "<?xml encoding='latin1'?>\xE9",
+     std::string(200, ' ') + '\0' + "<?xml encoding='latin1'?>\xE9"},
+    {"UTF-8 declared", document("encoding='UTF-8'") + "\xFF", document("encoding='UTF-8'") + "\xFF"},
+    {"UTF-16 declared but not so", document(" encoding = \"Utf-16\""), document(" encoding = \"Utf-16\"")},
+    {"UTF-16 declared, zero bytes, no form fits: by name", std::string("<?xml encoding='utf-16'?>x\0z", 28), ""},
+    {"unknown charset", document("encoding='klingon'"), document("encoding='klingon'")},
+    {"no encoding", document("standalone='yes'"), document("standalone='yes'")},
+    {"no value", document("encoding=''"), document("encoding=''")},
+    {"no end of the value", "<?xml encoding='latin1?>\xE9", "<?xml encoding='latin1?>\xE9"},
+    {"no end of the declaration", "<?xml encoding='latin1'\xE9", "<?xml encoding='latin1'\xE9"},
+    {"no declaration", "<a>\xE9</a>", "<a>\xE9</a>"},
+    {"empty", "", ""},
+};
+
+TEST(XmlCharset, ConvertsByMarkByZeroBytesAndByDeclaration) {
+  for (const Row& row : kRows) {
+    DataBuffer b = bufferOf(row.given);
+    b.ensureBuffer(1);
+    LogNull log;
+    std::string want = row.want;
+    if (std::string_view(row.why).ends_with("by name")) want = convert(1200, 65001, row.given).text;
+    EXPECT_TRUE(b.convertXmlToUtf8(log)) << row.why;
+    EXPECT_EQ(textOf(b), want) << row.why;
+  }
+}
+
+TEST(XmlCharset, EveryCharsetThatIsDeclared) {
+  for (const auto& [name, text] : {std::pair{"Shift_JIS", "\u8868\u793A"},
+                                   {"EUC-JP", "\u8868\u793A"},
+                                   {"KOI8-R", "\u041F\u0440\u0438"},
+                                   {"windows-1251", "\u041F\u0440\u0438"},
+                                   {"GB18030", "\u7F13\u51B2"},
+                                   {"Big5", "\u7DE9\u885D"},
+                                   {"EUC-KR", "\uD55C\uAD6D"},
+                                   {"ISO-2022-JP", "\u8868\u793A"},
+                                   {"iso-8859-7", "\u039C\u03AE"}}) {
+    const std::string whole = "<?xml version='1.0' encoding='" + std::string(name) + "'?><a>" + text + "</a>";
+    DataBuffer b = bufferOf(byIconv("UTF-8", name, whole).text);
+    LogNull log;
+    EXPECT_TRUE(b.convertXmlToUtf8(log));
+    EXPECT_EQ(textOf(b), whole) << name;
+  }
+}
+
+TEST(XmlCharset, FailsOnlyWithoutStorageOrMemory) {
+  LogText log;
+  DataBuffer none;
+  EXPECT_FALSE(none.convertXmlToUtf8(log));
+  EXPECT_EQ(none.getData2(), nullptr);
+
+  const std::string text = convert(65001, 28591, document("encoding='latin1'")).text;
+  faults::failEachAllocation([&](u32 k, bool forGood) {
+    DataBuffer b;
+    b.ensureBuffer(countOf(text));
+    b.append(text.data(), countOf(text));
+    bool good, struck;
+    {
+      const faults::FailAllocation refuse(k, forGood);
+      good = b.convertXmlToUtf8(log);
+      struck = refuse.struck();
+    }
+    EXPECT_TRUE(good || textOf(b) == text);
+    EXPECT_TRUE(struck || textOf(b) == document("encoding='latin1'"));
+    return struck;
+  });
+}
+
+TEST(XmlCharset, WorksOnBorrowedStorage) {
+  std::string text = convert(65001, 28591, document("encoding='latin1'")).text, before = text;
+  DataBuffer b;
+  b.borrowData(text.data(), countOf(text));
+  LogNull log;
+  EXPECT_TRUE(b.convertXmlToUtf8(log));
+  EXPECT_EQ(textOf(b), document("encoding='latin1'"));
+  EXPECT_EQ(text, before);
+}
+
+constexpr struct {
+  const char *text, *charset;
+} kDeclared[] = {
+    {"<?xml version=\"1.0\" encoding \r\n=\t\n \"UTF-8\"?>", "UTF-8"},
+    {"<a>the encoding of it = 'Word'</a>", "Word"},
+    {"encoding=Plain\" x", "Plain"},
+    {"encoding=\"'both'", "both"},
+    {"encoding='\"x\"", nullptr},
+    {"<a>encoding</a>", nullptr},
+    {"encoding=", nullptr},
+    {"encoding= \t", nullptr},
+    {"encoding=\"", nullptr},
+    {"encoding=\"latin1", nullptr},
+    {"encoding=\"\"", nullptr},
+    {"Encoding='x'", nullptr},
+    {"", nullptr},
+};
+
+TEST(XmlCharset, ReadsTheDeclaredCharsetAsWritten) {
+  for (const auto& c : kDeclared) {
+    StringBuffer name("before");
+    EXPECT_EQ(DataBuffer::getXmlCharset2(c.text, name), c.charset != nullptr) << c.text;
+    EXPECT_EQ(textOf(name), c.charset ? c.charset : "") << c.text;
+    StringBuffer again("before");
+    DataBuffer b = bufferOf(c.text);
+    EXPECT_EQ(b.getXmlCharset(again), c.charset != nullptr) << c.text;
+    EXPECT_EQ(textOf(again), b.empty() ? "before" : textOf(name));
+    EXPECT_EQ(textOf(b), c.text);
+  }
+  DataBuffer full = bufferOf("encoding='x'");
+  full.minimizeMemoryUsage();
+  full.reallocate(full.getSize() + 1);
+  full.appendChar('y');
+  const faults::FailAllocation all(1, true);
+  StringBuffer name;
+  EXPECT_FALSE(full.getXmlCharset(name));
+  EXPECT_EQ(full.getSize(), 13u);
+}
+
+}  // namespace
