@@ -22,4 +22,20 @@ std::span<const Command> allCommands();
 const Command* findCommand(const std::string& name);
 std::vector<std::string> commandNames();
 
-std::function<int()> setUpHexdump(CLI::App&);  // Hexdump.cpp
+std::function<int()> setUpEncode(CLI::App& app);  // Encode.cpp
+std::function<int()> setUpDecode(CLI::App& app);
+std::function<int()> setUpNames(CLI::App& app);    // EncodingNames.cpp
+std::function<int()> setUpXmlUtf8(CLI::App& app);  // XmlUtf8.cpp
+std::function<int()> setUpDetect(CLI::App& app);   // Detect.cpp
+std::function<int()> setUpConvert(CLI::App& app);  // Convert.cpp
+std::function<int()> setUpHexdump(CLI::App& app);  // Hexdump.cpp
+std::function<int()> setUpClean(CLI::App& app);    // Clean.cpp
+std::function<int()> setUpFind(CLI::App& app);     // Search.cpp
+std::function<int()> setUpReplace(CLI::App& app);
+std::function<int()> setUpPad(CLI::App& app);  // Padding.cpp
+std::function<int()> setUpUnpad(CLI::App& app);
+std::function<int()> setUpTlsCheck(CLI::App& app);
+std::function<int()> setUpRandom(CLI::App& app);
+std::function<int()> setUpSplit(CLI::App& app);  // Parts.cpp
+std::function<int()> setUpJoin(CLI::App& app);
+std::function<int()> setUpChunk(CLI::App& app);

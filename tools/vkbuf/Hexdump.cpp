@@ -47,7 +47,7 @@ int hexdump(Job& job) {
     job.writeMore(dump.getString(), dump.getSize());
     dump.weakClear();
   }
-  job.write(dump.getString(), dump.getSize(), Job::Kind::text);
+  job.write(dump);
   return kDone;
 }
 

@@ -56,15 +56,34 @@ void Job::addQuiet(CLI::App& app) {
 }
 
 void Job::addInput(CLI::App& app) {
-  addInputs(app);
-  app.get_option("FILE")->expected(0, 1);
+  addSources(app, "FILE");
 }
 
+// Further operands are left to the parser's rest: its lists would take a file name in brackets apart.
 void Job::addInputs(CLI::App& app) {
-  app.add_option("FILE", files_, "the input; '-' or none: standard input")->option_text(" ")->allow_extra_args(false);
+  addSources(app, "FILE...");
+  app.allow_extras();
+  moreFiles_ = &app;
+}
+
+void Job::addSources(CLI::App& app, const char* operand) {
+  app.add_option(operand, file_, "the input; '-' or none: standard input")->option_text(" ");
   app.add_option("-s,--text", text_, "the input itself")->option_text("TEXT");
   app.add_flag("--chomp", chomp_, "drop one line end from the end of the input");
   addQuiet(app);
+}
+
+std::vector<std::string> Job::files() const {
+  std::vector<std::string> files;
+  if (!file_) return files;
+  files.push_back(*file_);
+  if (moreFiles_) {
+    const auto more = moreFiles_->remaining();
+    const auto mark = std::find(more.begin(), more.end(), "--");
+    files.insert(files.end(), more.begin(), mark);
+    if (mark != more.end()) files.insert(files.end(), mark + 1, more.end());
+  }
+  return files;
 }
 
 void Job::addOutput(CLI::App& app) {
@@ -97,9 +116,10 @@ void Job::note(const std::string& message) const {
 }
 
 void Job::read(DataBuffer& data) {
-  if (text_ && !files_.empty()) fail("give either -s TEXT or a FILE, not both");
-  if (files_.size() > 1) fail("'" + files_[1] + "' is one file too many");
-  if (!text_) return readFile(files_.empty() ? "-" : files_[0], data);
+  const auto named = files();
+  if (text_ && !named.empty()) fail("give either -s TEXT or a FILE, not both");
+  if (named.size() > 1) fail("'" + named[1] + "' is one file too many");
+  if (!text_) return readFile(named.empty() ? "-" : named[0], data);
   place_.clear();
   data.clear();
   if (!data.append(text_->data(), static_cast<u32>(text_->size()))) fail("out of memory");
@@ -155,11 +175,7 @@ void Job::chompLine(DataBuffer& data) const {
   }
 }
 
-void Job::write(const std::string& text) {
-  write(text.data(), static_cast<u32>(text.size()), Kind::text);
-}
-
-void Job::write(const void* data, u32 n, Kind kind) {
+void Job::write(const void* data, u32 n) {
   if (toFile()) {
     if (pending_.empty()) return save(out_, data, n);
     writeMore(data, n);
@@ -167,7 +183,7 @@ void Job::write(const void* data, u32 n, Kind kind) {
   }
   const bool terminal = isatty(STDOUT_FILENO) && out_.empty();
   const u8* const bytes = static_cast<const u8*>(data);
-  if (terminal && kind == Kind::bytes && !looksLikeText(bytes, n))
+  if (terminal && !looksLikeText(bytes, n))
     fail("the result is no text, and standard output is a terminal",
          "write it to a file with -o FILE, pipe it into 'vkbuf hexdump', or insist with -o -");
   writeOut(data, n);
@@ -191,6 +207,22 @@ void Job::writeOut(const void* data, u32 n) {
   }
 }
 
+void Job::writeTo(const std::string& file, const DataBuffer& data) {
+  if (file == "-")
+    writeOut(data.getData2(), data.size());
+  else
+    save(file, data.getData2(), data.size());
+}
+
+void Job::checkFile(const std::string& file) {
+  place_ = file;
+  const Descriptor opened(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  struct stat facts;
+  if (opened.number < 0 || fstat(opened.number, &facts) != 0) fail(systemReason(errno));
+  if (S_ISDIR(facts.st_mode)) fail(systemReason(EISDIR));
+  if (!S_ISREG(facts.st_mode)) fail("is no regular file, so it has no parts to be read");
+}
+
 void Job::save(const std::string& file, const void* data, u32 n) {
   struct stat facts;
   const bool exists = stat(file.c_str(), &facts) == 0;
@@ -201,21 +233,22 @@ void Job::save(const std::string& file, const void* data, u32 n) {
     failOn(file, reasonIn(log, "cannot be written"));
 }
 
-int Job::filter(const std::function<int(DataBuffer&)>& change, Kind kind) {
+int Job::filter(const std::function<int(DataBuffer&)>& change) {
   if (inPlace_) return filterInPlace(change);
   DataBuffer data;
   read(data);
   const int status = change(data);
-  if (status == kDone || !toFile()) write(data.getData2(), data.size(), kind);
+  if (status == kDone || !toFile()) write(data);
   return status;
 }
 
 // A file that fails does not keep the others from their turn.
 int Job::filterInPlace(const std::function<int(DataBuffer&)>& change) {
-  if (text_ || files_.empty()) fail("--in-place needs the names of files");
+  const auto named = files();
+  if (text_ || named.empty()) fail("--in-place needs the names of files");
   if (!out_.empty()) fail("give either --in-place or -o, not both");
   int worst = kDone;
-  for (const std::string& file : files_) {
+  for (const std::string& file : named) {
     int status = kDone;
     try {
       if (file == "-") fail("--in-place cannot rewrite standard input");
@@ -233,10 +266,14 @@ int Job::filterInPlace(const std::function<int(DataBuffer&)>& change) {
 }
 
 std::string reasonIn(const LogText& log, const std::string& otherwise) {
-  constexpr std::string_view kMark = "error: ";
   const std::string_view text = log.getText();
-  const size_t at = text.find(kMark);
-  if (at == std::string_view::npos) return otherwise;
-  const std::string_view rest = text.substr(at + kMark.size());
-  return std::string(rest.substr(0, rest.find('\n')));
+  const auto valueOf = [text](std::string_view tag) {
+    const size_t at = text.find(tag);
+    if (at == text.npos) return std::string();
+    const std::string_view rest = text.substr(at + tag.size());
+    return std::string(rest.substr(0, rest.find('\n')));
+  };
+  const std::string error = valueOf("error: "), reason = valueOf("reason: ");
+  if (error.empty()) return reason.empty() ? otherwise : reason;
+  return reason.empty() ? error : error + ": " + reason;
 }

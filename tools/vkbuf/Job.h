@@ -8,6 +8,7 @@
 
 #include "tools/vkbuf/Failure.h"
 #include "varnik/buffer/DataBuffer.h"
+#include "varnik/services/strings/StringBuffer.h"
 
 namespace CLI {
 class App;
@@ -15,9 +16,6 @@ class App;
 
 class Job {
  public:
-  /// What is written: text may be completed by a line feed on a terminal, other bytes are kept off it.
-  enum class Kind { text, bytes };
-
   /// `command` heads the messages; a command may make it longer ("encode base64").
   explicit Job(std::string command) : command_(std::move(command)) {}
   void setCommand(std::string command) { command_ = std::move(command); }
@@ -36,16 +34,23 @@ class Job {
   void read(DataBuffer& data);
   /// Replaces `data` by the whole of a file; "-" is standard input.
   void readFile(const std::string& file, DataBuffer& data);
-  /// Writes the result to -o or standard output.
-  void write(const void* data, u32 n, Kind kind);
-  void write(const std::string& text);
+  /// Writes the result to -o or standard output. A terminal gets a last line feed and no control bytes.
+  void write(const void* data, u32 n);
+  void write(const DataBuffer& data) { write(data.getData2(), data.size()); }
+  void write(const StringBuffer& text) { write(text.getString(), text.getSize()); }
+  void write(const std::string& text) { write(text.data(), static_cast<u32>(text.size())); }
   /// Writes a piece of a result that comes in pieces; the last one goes through `write`. To a file all go at once.
   void writeMore(const void* data, u32 n);
+  /// Writes to a file named otherwise than by -o; "-" is standard output.
+  void writeTo(const std::string& file, const DataBuffer& data);
+  /// Fails unless a file can be opened and is none of the things that have no parts: a folder, a pipe, a terminal.
+  void checkFile(const std::string& file);
   /// Reads, changes and writes the input, or each file with --in-place. A change that answers another status than
   /// `kDone` is not written to a file. Returns the worst status.
-  int filter(const std::function<int(DataBuffer&)>& change, Kind kind);
+  int filter(const std::function<int(DataBuffer&)>& change);
 
-  const std::vector<std::string>& files() const { return files_; }
+  /// The operands that name files.
+  std::vector<std::string> files() const;
   /// Whether the bytes come from -s.
   bool hasText() const { return text_.has_value(); }
 
@@ -60,6 +65,7 @@ class Job {
   void note(const std::string& message) const;
 
  private:
+  void addSources(CLI::App& app, const char* operand);
   std::string here() const;
   bool toFile() const { return !out_.empty() && out_ != "-"; }
   void chompLine(DataBuffer& data) const;
@@ -72,12 +78,13 @@ class Job {
   std::string command_;
   std::string place_;  // the input at work, as messages name it; empty for -s
   std::optional<std::string> text_;
-  std::vector<std::string> files_;
+  std::optional<std::string> file_;
+  const CLI::App* moreFiles_ = nullptr;  // the parser that holds further operands
   std::string out_;
   DataBuffer pending_;  // pieces for a file
   bool chomp_ = false, quiet_ = false, noClobber_ = false, inPlace_ = false;
 };
 
-/// Returns the first error that an operation logged, or `otherwise`.
+/// Returns the first error that an operation logged, with the reason it gave, or `otherwise`.
 class LogText;
 std::string reasonIn(const LogText& log, const std::string& otherwise);

@@ -18,7 +18,17 @@ const char* const kVersion = "vkbuf " VARNIK_VERSION;
 const char* const kHelp =
     R"(vkbuf - encode, decode, convert, search and repair bytes
 Usage: vkbuf COMMAND [OPTIONS] [FILE]    (no FILE or '-': standard input)
-  hexdump        bytes as hex
+  encode NAME    bytes to text: base64, base32, base58, hex, qp, url, uu, json
+  decode NAME    text to bytes; tells where bad input is
+  names          every NAME with a sample
+  detect         charset, byte-order mark, line endings of a file
+  convert        --from CHARSET --to CHARSET; xml-utf8 reads the declaration
+  hexdump        bytes as hex and text
+  clean          --pop --colors --ascii --nulls --accents
+  find, replace  a pattern as text or, with --hex, as bytes
+  pad, unpad     block-cipher padding 0 to 4; tls-check only looks
+  split, join    files with a length-prefixed header; chunk reads a part
+  random N       N bytes from the operating system
 Options: -s TEXT, -o FILE, --in-place, --no-clobber, --chomp, -q, -h, -V
 Exit status: 0 done or yes, 1 the data says no, 2 wrong use or failed I/O
 Example: vkbuf encode base64 -s hello | vkbuf decode base64    (COMMAND --help)
@@ -30,32 +40,44 @@ int print(const std::string& text, FILE* to) {
   return std::fputs(text.c_str(), to) < 0 || std::fflush(to) != 0 ? kFailed : kDone;
 }
 
-/// What the parser left over is a mistake: an option that no one knows, or one operand too many.
-void checkLeftOver(const CLI::App& app) {
+std::vector<std::string> optionNames(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::Option* option : app.get_options())
+    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+  return names;
+}
+
+/// What the parser left over is a mistake, an option that no one knows or one operand too many, unless the command
+/// takes any number of operands.
+void checkLeftOver(const CLI::App& app, const std::string& command, bool takesMore) {
+  const std::string hint = app.get_name() + " --help";
+  bool optionsEnded = false;
   for (const std::string& word : app.remaining()) {
-    if (word == "--") continue;
-    if (word.size() < 2 || word[0] != '-')
-      throw CLI::ExtrasError(app.get_name(), {"'" + word + "' is one operand too many"});
-    std::vector<std::string> known;
-    for (const CLI::Option* option : app.get_options())
-      for (const std::string& name : option->get_lnames()) known.push_back("--" + name);
-    const std::string typed = word.substr(0, word.find('='));
-    throw CLI::ExtrasError(app.get_name(),
-                           {"no option is called '" + typed + "'; nearest: " + nearestNames(typed, known)});
+    const bool isOption = !optionsEnded && word.size() > 1 && word[0] == '-';
+    if (word == "--")
+      optionsEnded = true;
+    else if (isOption)
+      throw Failure(kFailed,
+                    command + ": no option is called '" + word + "'; nearest: " + nearestNames(word, optionNames(app)),
+                    hint);
+    else if (!takesMore)
+      throw Failure(kFailed, command + ": '" + word + "' is one operand too many", hint);
   }
 }
 
 int runCommand(const Command& command, int argc, char** argv) {
   CLI::App app(command.summary, std::string("vkbuf ") + command.name);
-  app.set_version_flag("-V,--version", kVersion);
+  app.set_version_flag("-V,--version", kVersion, "the version");
+  app.set_help_flag("-h,--help", "this text");
   const auto run = command.setUp(app);
   app.footer(app.get_footer() + "\n" + kStatuses);
+  const bool takesMore = app.get_allow_extras();
   app.allow_extras();
   try {
     app.parse(argc, argv);
-    checkLeftOver(app);
+    checkLeftOver(app, command.name, takesMore);
   } catch (const CLI::CallForHelp&) {
-    return print(app.help(), stdout);
+    return print(app.help() + "\n", stdout);
   } catch (const CLI::CallForVersion&) {
     return print(std::string(kVersion) + "\n", stdout);
   } catch (const CLI::ParseError& error) {  // its own exit codes, 100 and more, are not ours
