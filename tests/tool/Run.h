@@ -1,0 +1,51 @@
+// Runs the real tool through the shell, as a person would.
+#pragma once
+
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+struct Ran {
+  int status;  // the exit status; 128 and the signal's number for a process that was killed
+  std::string out, err;
+};
+
+inline std::string contentOf(const std::filesystem::path& file) {
+  std::ostringstream content;
+  content << std::ifstream(file, std::ios::binary).rdbuf();
+  return content.str();
+}
+
+/// A folder of its own for a test, with the sample documents in it; gone with the object.
+class Desk {
+ public:
+  Desk() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "vkbuf-test-XXXXXX").string();
+    folder_ = mkdtemp(pattern.data());
+    std::filesystem::create_directory(folder_ / "desk");
+    for (const auto& each : std::filesystem::directory_iterator(SAMPLES))
+      if (each.path().extension() == ".xml") std::filesystem::copy(each.path(), folder_ / "desk");
+  }
+  Desk(const Desk&) = delete;
+  Desk& operator=(const Desk&) = delete;
+  ~Desk() { std::filesystem::remove_all(folder_); }
+
+  std::filesystem::path at(const std::string& name) const { return folder_ / "desk" / name; }
+
+  /// Runs a line of shell in the folder, `vkbuf` being the tool under test.
+  Ran run(const std::string& line) const {
+    const std::string tool = std::filesystem::path(VKBUF).parent_path().string();
+    const std::string whole = "cd '" + (folder_ / "desk").string() + "' && PATH='" + tool +
+                              "':\"$PATH\" && LC_ALL=C.UTF-8 && { " + line + "\n} >../out 2>../err </dev/null";
+    const int status = std::system(whole.c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), contentOf(folder_ / "out"),
+            contentOf(folder_ / "err")};
+  }
+
+ private:
+  std::filesystem::path folder_;
+};
