@@ -1,0 +1,107 @@
+#include "varnik/buffer/Spans.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <span>
+#include <type_traits>
+#include <vector>
+
+#include "tests/support/Allocations.h"
+#include "tests/support/Bytes.h"
+
+namespace {
+
+using namespace std::literals;
+
+// A range, as the standard sees it, yet nothing that a span or a view of a text takes without being asked.
+template <class B>
+constexpr bool kIsRange =
+    std::ranges::random_access_range<B>&& std::ranges::common_range<B>&& std::ranges::sized_range<B>;
+static_assert(kIsRange<DataBuffer&> && kIsRange<const DataBuffer&> && kIsRange<const StringBuffer&>);
+static_assert(std::is_same_v<std::ranges::range_reference_t<DataBuffer&>, u8&>);
+static_assert(std::is_same_v<std::ranges::range_reference_t<const DataBuffer&>, const u8&>);
+
+template <class From, class... To>
+constexpr bool kConvertsToNone = (!std::is_constructible_v<To, From> && ...);
+static_assert(
+    kConvertsToNone<DataBuffer&, std::span<u8>, std::span<const u8>, std::string_view, const u8*, const char*>);
+static_assert(kConvertsToNone<const StringBuffer&, std::span<const char>, std::string_view, std::string, const char*>);
+static_assert(kConvertsToNone<std::span<u8>, DataBuffer, StringBuffer> &&
+              kConvertsToNone<std::string, DataBuffer, StringBuffer>);
+
+template <class T>
+concept Viewable = requires(T&& t) {
+  vk_view(std::forward<T>(t));
+};
+static_assert(Viewable<DataBuffer&> && Viewable<StringBuffer&>, "views of what lives on");
+static_assert(!Viewable<DataBuffer> && !Viewable<const DataBuffer> && !Viewable<StringBuffer>,
+              "none of what dies here");
+
+TEST(Spans, ShowTheBytesInUse) {
+  DataBuffer b = bufferOf("abc");
+  const DataBuffer& reader = b;
+  EXPECT_EQ(vk_span(b).data(), b.getData2());
+  EXPECT_EQ(vk_span(reader).size(), 3u);
+  vk_span(b)[1] = 'B';
+  EXPECT_EQ(vk_view(b), "aBc");
+  const StringBuffer s("t\xC3\xAA");
+  EXPECT_EQ(vk_view(s), "t\xC3\xAA"sv);
+  const DataBuffer none;
+  const StringBuffer noText;
+  EXPECT_TRUE(vk_span(none).empty() && vk_view(none).empty() && vk_view(noText).empty());
+}
+
+TEST(Spans, AppendFromWhatIsContiguous) {
+  DataBuffer b;
+  const std::vector<u8> bytes = {'0', '1'};
+  const std::array<std::byte, 1> other = {std::byte{'2'}};
+  const u8 plain[] = {'3'};
+  EXPECT_TRUE(vk_append(b, bytes) && vk_append(b, other) && vk_append(b, plain));
+  EXPECT_TRUE(vk_append(b, "45") && vk_append(b, "6\0"sv) &&
+              vk_append(b, std::string("7")));  // a literal without its NUL
+  EXPECT_TRUE(vk_append(b, std::span<const u8>()) && vk_append(b, std::string_view()));
+  EXPECT_EQ(textOf(b), "0123456\0007"sv);
+  EXPECT_TRUE(vk_append(b, vk_span(b).subspan(2, 2)));
+  EXPECT_EQ(textOf(b), "0123456\000723"sv);
+
+  StringBuffer s("<");
+  EXPECT_TRUE(vk_append(s, "a\0b"sv) && vk_append(s, ">"));
+  EXPECT_EQ(textOf(s), "<a\0b>"sv);
+}
+
+TEST(Spans, AppendNothingWhenThereIsNoRoom) {
+  DataBuffer b = bufferOf("abc");
+  StringBuffer s("abc");
+  const std::string_view tooMuch(vk_view(b).data(), std::size_t{0xFFFFFFFF} + 4);  // 3 bytes if the count were cut
+  EXPECT_FALSE(vk_append(b, tooMuch) || vk_append(s, tooMuch));
+  const std::vector<u8> more(30'000);
+  {
+    const faults::FailAllocation fail(1, true);
+    EXPECT_FALSE(vk_append(b, more));
+  }
+  EXPECT_EQ(textOf(b) + textOf(s), "abcabc");
+}
+
+TEST(Spans, RangesTakeABufferAndAString) {
+  DataBuffer b = bufferOf("dbca");
+  std::ranges::sort(b);
+  EXPECT_EQ(textOf(b), "abcd");
+  EXPECT_EQ(std::ranges::count(b, 'c'), 1);
+  std::ranges::reverse(b);
+  EXPECT_TRUE(std::ranges::equal(b, "dcba"sv));
+  std::ranges::reverse(b);
+  for (u8& each : b) each = static_cast<u8>(each - 'a' + 'A');
+  const StringBuffer s("ABCD");
+  EXPECT_TRUE(std::ranges::equal(b, s));
+  EXPECT_EQ(std::vector<u8>(begin(b), end(b)).size(), 4u);
+  EXPECT_EQ(*(2 + begin(s)), 'C');
+  EXPECT_EQ(end(b)[-1], 'D');
+  u32 n = 0;
+  for ([[maybe_unused]] const u8 each : DataBuffer()) ++n;
+  EXPECT_EQ(n, 0u);
+}
+
+}  // namespace
