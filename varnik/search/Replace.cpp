@@ -3,28 +3,27 @@
 #include "varnik/buffer/DataBuffer.h"
 #include "varnik/services/charset/Utf16Case.h"
 #include "varnik/services/strings/XString.h"
+#include "varnik/simd/FindBytes.h"
 
 u32 DataBuffer::replaceAllOccurances(const u8* find, u32 findLen, const u8* replacement, u32 replacementLen) {
-  if (!find || findLen == 0 || !data_) return 0;
-  const u8* hit = findBytes2(data_, size_, find, findLen);
-  u8* block = hit ? allocByteArray(size_) : nullptr;
+  if (!find || findLen == 0 || !data_ || findLen > size_) return 0;
+  const u32 n = size_;
+  vk_simd::BytesFinder finder(data_, n, find, findLen);
+  u32 at = finder.next(0);
+  u8* block = at != n ? allocByteArray(n) : nullptr;
   if (!block) return 0;
 
   u8* const old = data_;
   const bool wasBorrowed = borrowed_ != 0;
-  const u8* from = old;
-  u32 left = size_, count = 0;
-  install(block, 0, size_, false);
-  while (hit) {
-    const u32 run = static_cast<u32>(hit - from);
-    append(from, run);
+  u32 from = 0, count = 0;
+  install(block, 0, n, false);
+  for (; at != n; at = finder.next(from)) {
+    append(old + from, at - from);
     append(replacement, replacementLen);
+    from = at + findLen;
     ++count;
-    from = hit + findLen;
-    left -= run + findLen;
-    hit = findBytes2(from, left, find, findLen);
   }
-  append(from, left);
+  append(old + from, n - from);
   if (!wasBorrowed) delete[] old;
   return count;
 }

@@ -7,15 +7,18 @@
 #endif
 
 namespace vk_simd {
-namespace {
 
-// The index of the first `value` in data[from, n), or n.
-u32 nextByte(const u8* data, u32 from, u32 n, u8 value) {
-  const void* hit = from < n ? std::memchr(data + from, value, n - from) : nullptr;
-  return hit ? static_cast<u32>(static_cast<const u8*>(hit) - data) : n;
+// The first place at or after `from` where the pattern's first byte stands, or `places_`.
+inline u32 BytesFinder::nextByte(u32 from) const {
+  const void* hit = from < places_ ? std::memchr(data_ + from, pattern_[0], places_ - from) : nullptr;
+  return hit ? static_cast<u32>(static_cast<const u8*>(hit) - data_) : places_;
 }
 
-}  // namespace
+u32 BytesFinder::nextScalar(u32 from) const {
+  for (u32 i = from; (i = nextByte(i)) < places_; ++i)
+    if (std::memcmp(data_ + i, pattern_, m_) == 0) return i;
+  return n_;
+}
 
 u32 mismatchScalar(const u8* a, const u8* b, u32 n) {
   u32 i = 0;
@@ -23,18 +26,17 @@ u32 mismatchScalar(const u8* a, const u8* b, u32 n) {
   return i;
 }
 
-u32 findBytesScalar(const u8* data, u32 n, const u8* pattern, u32 m) {
-  const u32 places = n - m + 1;
-  for (u32 i = 0; (i = nextByte(data, i, places, pattern[0])) < places; ++i)
-    if (std::memcmp(data + i, pattern, m) == 0) return i;
-  return n;
-}
-
 #if VARNIK_HAVE_AVX2
 namespace {
 
 [[VARNIK_AVX2]] inline __m256i load(const u8* p) {
   return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
+}
+[[VARNIK_AVX2]] inline __m256i equalTo(const u8* p, u8 value) {
+  return _mm256_cmpeq_epi8(load(p), _mm256_set1_epi8(static_cast<char>(value)));
+}
+[[VARNIK_AVX2]] inline u32 bitsOf(__m256i mask) {
+  return static_cast<u32>(_mm256_movemask_epi8(mask));
 }
 [[VARNIK_AVX2]] inline u32 equalBytes(const u8* a, const u8* b) {
   return static_cast<u32>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(load(a), load(b))));
@@ -57,7 +59,7 @@ u32 mismatchOfWords(const u8* a, const u8* b, u32 n) {
   return tail != 0 ? last + static_cast<u32>(__builtin_ctzll(tail)) / 8 : n;
 }
 
-u32 mismatchShort(const u8* a, const u8* b, u32 n) {
+inline u32 mismatchShort(const u8* a, const u8* b, u32 n) {
   u32 i = 0;
   for (; n - i > 16; i += 8)
     if (const u64 head = difference<u64>(a + i, b + i); head != 0)
@@ -66,62 +68,6 @@ u32 mismatchShort(const u8* a, const u8* b, u32 n) {
   if (n - i >= 4) return i + mismatchOfWords<u32>(a + i, b + i, n - i);
   return i + mismatchScalar(a + i, b + i, n - i);
 }
-
-// A pattern, the data it is looked for in, and which two bytes of the pattern are looked at first.
-struct PairSearch {
-  const u8* data;
-  u32 places;  // candidates are the indexes below
-  const u8* pattern;
-  u32 m;
-  u32 older, newer;  // indexes into the pattern
-
-  // A bit for each of the 32 places from `i` on at which both bytes agree.
-  [[VARNIK_AVX2]] u32 candidates32(u32 i) const {
-    const __m256i a = _mm256_cmpeq_epi8(load(data + i + older), _mm256_set1_epi8(static_cast<char>(pattern[older])));
-    const __m256i b = _mm256_cmpeq_epi8(load(data + i + newer), _mm256_set1_epi8(static_cast<char>(pattern[newer])));
-    return static_cast<u32>(_mm256_movemask_epi8(_mm256_and_si256(a, b)));
-  }
-
-  // Moves `i` on by whole blocks of 64 places to the first that has candidates, and returns their bits; 0 when fewer
-  // than 64 places are left. A function of its own so that the two bytes stay in registers.
-  [[VARNIK_AVX2]] u64 nextBlock(u32& i) const {
-    for (; places - i >= 64; i += 64)
-      if (const u64 bits = candidates32(i) | u64{candidates32(i + 32)} << 32; bits != 0) return bits;
-    return 0;
-  }
-
-  // Whether the pattern stands at `i`. Where it does not, the byte that told is looked at from now on.
-  [[VARNIK_AVX2]] bool standsAt(u32 i) {
-    const u32 wrong = mismatchAvx2(data + i, pattern, m);
-    if (wrong == m) return true;
-    if (wrong != newer && wrong != older) {
-      older = newer;
-      newer = wrong;
-    }
-    return false;
-  }
-
-  // The first of the candidates `bits` (counted from `i`) that is an occurrence, or `places`.
-  [[VARNIK_AVX2]] u32 firstOf(u64 bits, u32 i) {
-    for (; bits != 0; bits &= bits - 1)
-      if (const u32 at = i + static_cast<u32>(__builtin_ctzll(bits)); standsAt(at)) return at;
-    return places;
-  }
-
-  // The first occurrence at or after `i`, or `places`.
-  [[VARNIK_AVX2]] u32 run(u32 i) {
-    for (u64 bits; (bits = nextBlock(i)) != 0; i += 64)
-      if (const u32 at = firstOf(bits, i); at != places) return at;
-    if (places - i >= 32) {
-      if (const u32 at = firstOf(candidates32(i), i); at != places) return at;
-      i += 32;
-    }
-    const u32 left = places - i;
-    if (left != 0 && places >= 32) return firstOf(candidates32(places - 32) >> (32 - left), i);
-    while ((i = nextByte(data, i, places, pattern[0])) < places && !standsAt(i)) ++i;
-    return i;
-  }
-};
 
 }  // namespace
 
@@ -134,20 +80,79 @@ struct PairSearch {
   return equal != 0xFFFFFFFF ? n - 32 + static_cast<u32>(__builtin_ctz(~equal)) : n;
 }
 
-[[VARNIK_AVX2]] u32 findBytesAvx2(const u8* data, u32 n, const u8* pattern, u32 m) {
-  constexpr u32 kShort = 256;  // places that are not worth a call of memchr
-  if (m == 1) return nextByte(data, 0, n, pattern[0]);
-  const u32 places = n - m + 1;
-  PairSearch search{data, places, pattern, m, 0, m - 1};
-  u32 i = 0;
-  // A false candidate costs a call of memchr, as much as half a KiB of looking at two bytes instead of one.
-  for (u32 misses = 0; places > kShort && misses < 3 + i / 1024; ++misses, ++i) {
-    i = nextByte(data, i, places, pattern[0]);
-    if (i == places) return n;
-    if (search.standsAt(i)) return i;
+// Of the 32 places from `i` on, those at which both bytes agree.
+[[VARNIK_AVX2]] inline u32 BytesFinder::candidates32(u32 i) const {
+  const __m256i a = equalTo(data_ + older_ + i, pattern_[older_]), b = equalTo(data_ + newer_ + i, pattern_[newer_]);
+  return bitsOf(_mm256_and_si256(a, b));
+}
+
+// Looks on from `seen_` to the next block that has candidates, or to the end. What the last block looks at twice is
+// masked away.
+[[VARNIK_AVX2]] inline void BytesFinder::lookOn() {
+  const u8 *const older = data_ + older_, *const newer = data_ + newer_;
+  const u8 olderByte = pattern_[older_], newerByte = pattern_[newer_];
+  const u32 places = places_;
+  u32 i = seen_;
+  for (; places - i >= 64; i += 64) {
+    const __m256i low = _mm256_and_si256(equalTo(older + i, olderByte), equalTo(newer + i, newerByte));
+    const __m256i high = _mm256_and_si256(equalTo(older + i + 32, olderByte), equalTo(newer + i + 32, newerByte));
+    if (bitsOf(_mm256_or_si256(low, high)) == 0) continue;
+    bits_ = bitsOf(low) | u64{bitsOf(high)} << 32;
+    block_ = i;
+    seen_ = i + 64;
+    return;
   }
-  i = search.run(i);
-  return i != places ? i : n;
+  const u32 left = places - i;
+  block_ = i;
+  seen_ = places;
+  if (left > 32) {
+    bits_ = candidates32(i) | u64{candidates32(places - 32) >> (64 - left)} << 32;
+  } else if (left != 0 && places >= 32) {
+    bits_ = candidates32(places - 32) >> (32 - left);
+  } else {
+    for (u32 k = 0; k < left; ++k) bits_ |= u64{data_[i + k] == pattern_[0]} << k;
+  }
+}
+
+// Whether the pattern stands at `i`. Where it does not, the byte that told is looked at from now on.
+[[VARNIK_AVX2]] inline bool BytesFinder::standsAt(u32 i) {
+  const u32 wrong = m_ < 32 ? mismatchShort(data_ + i, pattern_, m_) : mismatchAvx2(data_ + i, pattern_, m_);
+  if (wrong == m_) return true;
+  if (wrong != newer_ && wrong != older_) {
+    older_ = newer_;
+    newer_ = wrong;
+  }
+  return false;
+}
+
+// Places are looked at in blocks that do not depend on where the last occurrence was, so that the processor can be
+// ahead of it; candidates before `from` are passed over.
+[[VARNIK_AVX2]] inline u32 BytesFinder::nextByPairs(u32 from) {
+  if (from >= seen_ && from - seen_ >= 64) {
+    seen_ = from;
+    bits_ = 0;
+  }
+  for (;;) {
+    while (bits_ != 0) {
+      const u32 at = block_ + static_cast<u32>(__builtin_ctzll(bits_));
+      bits_ &= bits_ - 1;
+      if (at >= from && standsAt(at)) return at;
+    }
+    if (seen_ == places_) return n_;
+    lookOn();
+  }
+}
+
+// A false candidate costs a call of memchr, as much as looking at two bytes instead of one does in 1 KiB.
+[[VARNIK_AVX2]] u32 BytesFinder::nextAvx2(u32 from) {
+  constexpr u32 kFree = 3, kBytesEach = 1024;
+  u32 i = from;
+  for (; misses_ < kFree + i / kBytesEach; ++i, ++misses_) {
+    i = nextByte(i);
+    if (i == places_) return n_;
+    if (standsAt(i)) return i;
+  }
+  return i < places_ ? nextByPairs(i) : n_;
 }
 #endif
 
@@ -158,11 +163,11 @@ u32 mismatch(const u8* a, const u8* b, u32 n) {
   return mismatchScalar(a, b, n);
 }
 
-u32 findBytes(const u8* data, u32 n, const u8* pattern, u32 m) {
+u32 BytesFinder::next(u32 from) {
 #if VARNIK_HAVE_AVX2
-  if (hasAvx2()) return findBytesAvx2(data, n, pattern, m);
+  if (hasAvx2()) return nextAvx2(from);
 #endif
-  return findBytesScalar(data, n, pattern, m);
+  return nextScalar(from);
 }
 
 }  // namespace vk_simd
