@@ -6,6 +6,7 @@
 #include "tests/support/Bytes.h"
 #include "tests/support/GuardedBytes.h"
 #include "tests/support/Random.h"
+#include "varnik/simd/CombiningMarks.h"
 #include "varnik/simd/Compact.h"
 #include "varnik/simd/ReplaceByte.h"
 
@@ -86,6 +87,35 @@ TEST(ReplaceByte, ReplacesEveryValueAtEveryLength) {
       u8* const data = area.ending(given);
       form.run(data, n, '.', 0xFE);
       ASSERT_EQ(std::memcmp(data, want.data(), n), 0) << form.name << ", " << n << " bytes";
+    }
+}
+
+// Every letter with every mark, at the places where a block of the wide form ends.
+TEST(CombiningMarks, FormsAgreeOnEveryPair) {
+  GuardedBytes area(kMost);
+  for (const auto& form : VARNIK_FORMS(composeMarks))
+    for (u32 letter = 0; letter < 256; ++letter)
+      for (u32 mark = 0; mark < 256; ++mark)
+        for (const u32 at : {0U, 29U, 30U, 31U, 32U, 64U}) {
+          const std::string pair = {static_cast<char>(letter), '\xCC', static_cast<char>(mark)};
+          std::string want = pair, given = "a\xCC\x81" + std::string(at, '.') + pair + std::string(60, '.');
+          want.resize(vk_simd::composeMarksScalar(reinterpret_cast<u8*>(want.data()), 3));
+          want = "\xC3\xA1" + std::string(at, '.') + want + std::string(60, '.');
+          u8* const data = area.ending(given);
+          ASSERT_EQ(form.run(data, countOf(given)), want.size()) << form.name << ", " << letter << ' ' << mark;
+          ASSERT_EQ(std::memcmp(data, want.data(), want.size()), 0) << form.name << ", " << letter << ' ' << mark;
+        }
+}
+
+TEST(CombiningMarks, FormsAgreeOnRandomText) {
+  GuardedBytes wide(kMost), plain(kMost);
+  for (u32 n = 0; n <= kMost; ++n)
+    for (const std::string_view alphabet : {"aY\xCC\x88", "aeiocny.....\xCC\xCC\x81\xA6\x83", "ab\xCC"}) {
+      const std::string given = Random(n).text(n, alphabet);
+      u8 *const left = wide.ending(given), *const right = plain.ending(given);
+      const u32 size = vk_simd::composeMarks(left, n);
+      ASSERT_EQ(size, vk_simd::composeMarksScalar(right, n)) << n;
+      ASSERT_EQ(std::memcmp(left, right, size), 0) << n;
     }
 }
 

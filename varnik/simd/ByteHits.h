@@ -25,18 +25,23 @@ void eachHitScalar(const u8* data, u32 n, u8 value, OnHit onHit) {
 }
 
 #if VARNIK_HAVE_AVX2
-/// A bit for each of the 32 bytes at `p` that equals `value`.
-[[VARNIK_AVX2]] inline u32 hits32(const u8* p, u8 value) {
+[[VARNIK_AVX2]] inline __m256i hits32(const u8* p, u8 value) {
   const __m256i block = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
-  return static_cast<u32>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(block, _mm256_set1_epi8(static_cast<char>(value)))));
+  return _mm256_cmpeq_epi8(block, _mm256_set1_epi8(static_cast<char>(value)));
+}
+[[VARNIK_AVX2]] inline u32 bitsOf(__m256i hits) {
+  return static_cast<u32>(_mm256_movemask_epi8(hits));
 }
 
 template <class OnHit>
 [[VARNIK_AVX2]] void eachHitAvx2(const u8* data, u32 n, u8 value, OnHit onHit) {
   u32 i = 0;
-  for (; n - i >= 64; i += 64)
-    for (u64 bits = hits32(data + i, value) | u64{hits32(data + i + 32, value)} << 32; bits != 0; bits &= bits - 1)
+  for (; n - i >= 64; i += 64) {
+    const __m256i low = hits32(data + i, value), high = hits32(data + i + 32, value);
+    if (bitsOf(_mm256_or_si256(low, high)) == 0) continue;
+    for (u64 bits = bitsOf(low) | u64{bitsOf(high)} << 32; bits != 0; bits &= bits - 1)
       onHit(i + static_cast<u32>(__builtin_ctzll(bits)));
+  }
   eachHitScalar(data + i, n - i, value, [i, &onHit](u32 hit) { onHit(i + hit); });
 }
 #endif

@@ -1,10 +1,6 @@
 #include "varnik/simd/Compact.h"
 
-#include <array>
-
-#if VARNIK_HAVE_AVX2
-#include <immintrin.h>
-#endif
+#include "varnik/simd/internal/StayingBytes.h"
 
 namespace vk_simd {
 namespace {
@@ -60,42 +56,18 @@ u32 keepEvenScalar(u8* out, const u8* from, u32 n) {
 #if VARNIK_HAVE_AVX2
 namespace {
 
-// For each set of eight bytes that go (bit i for byte i): the indexes of those that stay, as a shuffle wants them.
-constexpr auto kStaying = [] {
-  std::array<std::array<u8, 8>, 256> table{};
-  for (u32 going = 0; going < 256; ++going)
-    for (u32 i = 0, kept = 0; i < 8; ++i)
-      if ((going >> i & 1) == 0) table[going][kept++] = static_cast<u8>(i);
-  return table;
-}();
-
-// Writes the bytes of the low half of `eight` that stay; returns how many. Eight bytes are stored whatever stays.
-[[VARNIK_AVX2]] inline u32 compact8(u8* out, __m128i eight, u32 going) {
-  const __m128i order = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(kStaying[going].data()));
-  _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_shuffle_epi8(eight, order));
-  return 8 - static_cast<u32>(__builtin_popcount(going));
+[[VARNIK_AVX2]] inline __m256i load(const u8* p) {
+  return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
 }
 
-[[VARNIK_AVX2]] inline u32 compact16(u8* out, __m128i sixteen, u32 going) {
-  const u32 kept = compact8(out, sixteen, going & 0xFF);
-  return kept + compact8(out + kept, _mm_unpackhi_epi64(sixteen, sixteen), going >> 8);
-}
-
-// A block is in registers before the first store behind it, and the stores stay within as many bytes as were read: so
-// the output may run close behind the input, and needs no room beyond `n`.
+// A block is in a register before anything is stored over it, and the stores stay within as many bytes as were read: so
+// the output may run closely behind the input, and needs no room beyond `n`.
 template <class Going>
 [[VARNIK_AVX2]] u32 compactAvx2(u8* out, const u8* from, u32 n, Going going) {
   u32 i = 0, kept = 0;
   for (; n - i >= 32; i += 32) {
-    const __m256i block = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from + i));
-    const u32 bits = going(block);
-    if (bits == 0) {
-      _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + kept), block);
-      kept += 32;
-      continue;
-    }
-    kept += compact16(out + kept, _mm256_castsi256_si128(block), bits & 0xFFFF);
-    kept += compact16(out + kept, _mm256_extracti128_si256(block, 1), bits >> 16);
+    const __m256i block = load(from + i);
+    kept += putStaying(out + kept, block, going(block));
   }
   return kept + compactScalar(out + kept, from + i, n - i, going);
 }
@@ -114,9 +86,7 @@ template <class Going>
   const __m256i even = _mm256_set1_epi16(0x00FF);
   u32 i = 0;
   for (; n - i >= 64; i += 64) {
-    const auto* const at = reinterpret_cast<const __m256i*>(from + i);
-    const __m256i a = _mm256_and_si256(_mm256_loadu_si256(at), even);
-    const __m256i b = _mm256_and_si256(_mm256_loadu_si256(at + 1), even);
+    const __m256i a = _mm256_and_si256(load(from + i), even), b = _mm256_and_si256(load(from + i + 32), even);
     const __m256i packed = _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), 0xD8);
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + i / 2), packed);
   }
