@@ -44,12 +44,10 @@ u32 DataBuffer::replaceAllOccurancesUtf16NoCase(XString& find, XString& replacem
   const u32 patternLen = find.getNumChars(), withLen = replacement.getNumChars();
   if (!pattern || !with || patternLen > size_ / 2 || withLen > kMostUnits) return 0;
 
-  DataBuffer aligned, result;  // a borrowed block may begin at an odd address
-  const bool isOdd = reinterpret_cast<std::uintptr_t>(data_) % alignof(u16) != 0;
-  if (isOdd && !stage(data_, size_, aligned)) return 0;
-  const u16* from = reinterpret_cast<const u16*>(isOdd ? aligned.data_ : data_);
-  u32 left = size_ / 2, count = 0;
+  DataBuffer result;
   result.secure = secure;
+  const u16* from = reinterpret_cast<const u16*>(data_);  // at any address: a borrowed block may begin at an odd one
+  u32 left = size_ / 2, count = 0;
   while (const u16* hit = vk_findUtf16NoCase(from, left, pattern, patternLen)) {
     const u32 run = static_cast<u32>(hit - from);
     result.append(from, run * 2);

@@ -66,9 +66,9 @@ bool DataBuffer::chopAtLastCharW(u16 ch) {
 }
 
 void DataBuffer::toUppercaseW() {
-  Utf16Case::toUpper(data_, size_ / 2);
+  if (data_) Utf16Case::toUpper(data_, size_ / 2);
 }
 
 void DataBuffer::toLowercaseW() {
-  Utf16Case::toLower(data_, size_ / 2);
+  if (data_) Utf16Case::toLower(data_, size_ / 2);
 }
