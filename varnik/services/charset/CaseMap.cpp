@@ -20,7 +20,7 @@ u8 CaseMap<kCase>::makePage(u8 page) {
   u16 units[256];
   bool changes = false;
   for (u32 i = 0; i < 256; ++i) {
-    const u16 unit = static_cast<u16>(page << 8 | i);
+    const u16 unit = static_cast<u16>(u32{page} << 8 | i);
     units[i] = mapped(unit);
     changes |= units[i] != unit;
   }
