@@ -42,6 +42,29 @@ class Choices {
   std::string_view left_;
 };
 
+/// Whether a text is UTF-8 (RFC 3629), told character by character.
+inline bool isUtf8(std::string_view s) {
+  for (std::size_t i = 0; i < s.size();) {
+    const u32 lead = static_cast<u8>(s[i]), tail = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : lead >= 0xC0 ? 1 : 0;
+    if ((lead >= 0x80 && lead < 0xC2) || lead > 0xF4 || s.size() - i <= tail) return false;
+    u32 c = tail == 0 ? lead : lead & (0x3Fu >> tail);
+    for (u32 k = 1; k <= tail; ++k) {
+      if ((s[i + k] & 0xC0) != 0x80) return false;
+      c = c << 6 | (static_cast<u8>(s[i + k]) & 0x3F);
+    }
+    if (tail > 1 && (c < (tail == 2 ? 0x800u : 0x10000u) || c > 0x10FFFF || (c >= 0xD800 && c < 0xE000))) return false;
+    i += tail + 1;
+  }
+  return true;
+}
+/// A text without the characters of a set.
+inline std::string without(std::string_view set, std::string_view s) {
+  std::string left;
+  for (const char c : s)
+    if (set.find(c) == set.npos) left += c;
+  return left;
+}
+
 inline const u8* bytesOf(std::string_view s) {
   return reinterpret_cast<const u8*>(s.data());
 }
