@@ -1,0 +1,281 @@
+#include <gtest/gtest.h>
+#include <openssl/crypto.h>
+#include <openssl/err.h>
+#include <openssl/evp.h>
+#include <openssl/hmac.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <set>
+
+#include "tests/support/Allocations.h"
+#include "tests/support/Bytes.h"
+#include "tests/support/SystemCalls.h"
+
+namespace {
+
+using faults::Call;
+using faults::Fault;
+
+// ---- Allocations of libcrypto that fail on demand ----
+
+thread_local u32 libraryCountdown = 0;  // as in tests/support/Allocations.cpp
+
+bool libraryRefuses() {
+  return libraryCountdown != 0 && --libraryCountdown == 0;
+}
+void* libraryMalloc(std::size_t n, const char*, int) {
+  return libraryRefuses() ? nullptr : std::malloc(n);
+}
+void* libraryRealloc(void* block, std::size_t n, const char*, int) {
+  return libraryRefuses() ? nullptr : std::realloc(block, n);
+}
+void libraryFree(void* block, const char*, int) {
+  std::free(block);
+}
+// Libcrypto takes them only before its first allocation.
+[[maybe_unused]] const int isReplaced = CRYPTO_set_mem_functions(libraryMalloc, libraryRealloc, libraryFree);
+
+// ---- Random bytes ----
+
+TEST(RandomSource, AppendsByTheGrowthRule) {
+  DataBuffer b = bufferOf("x");
+  EXPECT_TRUE(RandomSource::generateBytes(0, b));
+  EXPECT_TRUE(RandomSource::generateBytes(19'999, b));
+  EXPECT_EQ(b.getBufSize(), 20'000u);
+  EXPECT_TRUE(RandomSource::generateBytes(1, b));
+  EXPECT_EQ(b.getBufSize(), 40'000u);
+  EXPECT_EQ(b.size(), 20'001u);
+  EXPECT_EQ(b.firstByte(), 'x');
+  u32 seen[256] = {};
+  for (u32 i = 1; i < b.size(); ++i) ++seen[b.byteAt(i)];
+  for (const u32 count : seen) EXPECT_TRUE(count > 20 && count < 200);
+}
+
+TEST(RandomSource, RefusesAndFailsWithoutATrace) {
+  const struct {
+    const char* what;
+    bool forGood;
+    Fault fault;
+    bool result;
+  } kCases[] = {
+      {"interrupted", false, {Fault::kError, EINTR}, true}, {"short", true, {Fault::kHalf, 0}, true},
+      {"refused", false, {Fault::kError, ENOSYS}, false},   {"not ready", false, {Fault::kError, EAGAIN}, false},
+      {"broken off", false, {Fault::kBreak, EIO}, false},   {"nothing once", false, {Fault::kNothing, 0}, true}};
+  for (const auto& c : kCases) {
+    DataBuffer b = bufferOf("old");
+    const faults::FailCall armed(Call::kRandom, 1, c.forGood, c.fault);
+    EXPECT_EQ(RandomSource::generateBytes(1000, b), c.result) << c.what;
+    EXPECT_EQ(b.size(), c.result ? 1003u : 3u) << c.what;
+  }
+  DataBuffer b;
+  b.copyData("old", 3);
+  const faults::FailAllocation refused(1, true);
+  EXPECT_FALSE(RandomSource::generateBytes(10, b));
+  EXPECT_EQ(textOf(b), "old");
+}
+
+TEST(RandomSource, DrawsDifferentBytesInEachProcess) {
+  std::set<std::string> drawn;
+  DataBuffer before;
+  RandomSource::generateBytes(32, before);
+  drawn.insert(textOf(before));
+  for (u32 i = 0; i < 64; ++i) {
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+      DataBuffer b;
+      RandomSource::generateBytes(32, b);
+      _exit(::write(ends[1], b.getData2(), b.size()) == 32 ? 0 : 1);
+    }
+    char bytes[32] = {};
+    EXPECT_EQ(::read(ends[0], bytes, 32), 32);
+    drawn.insert(std::string(bytes, 32));
+    waitpid(child, nullptr, 0);
+    close(ends[0]);
+    close(ends[1]);
+  }
+  EXPECT_EQ(drawn.size(), 65u);
+}
+
+// ---- Encryption ----
+
+DataBuffer encrypted(std::string_view plain, DataBuffer& key) {
+  DataBuffer out;
+  LogText log;
+  EXPECT_TRUE(SymmetricCrypt::encryptBytes(256, nullptr, key, bytesOf(plain), countOf(plain), out, log));
+  EXPECT_STREQ(log.getText(), "");
+  return out;
+}
+
+// The plaintext, or "(refused)" when the answer is false with `out` empty and one error told.
+std::string decrypted(std::string_view cipher, DataBuffer& key) {
+  DataBuffer out = bufferOf("old content");
+  LogText log;
+  const bool done = SymmetricCrypt::decryptBytes(256, nullptr, key, bytesOf(cipher), countOf(cipher), out, log);
+  EXPECT_EQ(log.numErrors(), done ? 0u : 1u);
+  EXPECT_EQ(ERR_peek_error(), 0ul) << "an error is left for the caller of libcrypto";
+  if (!done) {
+    EXPECT_TRUE(out.empty());
+  }
+  return done ? textOf(out) : "(refused)";
+}
+
+// What the library's header promises, said again with libcrypto alone: HKDF by RFC 5869, then the decryption.
+std::string twinDecrypted(const std::string& cipher, const std::string& key) {
+  const std::string info = "varnik SymmetricCrypt AES-256-GCM\1", salt(32, '\0');
+  u8 extracted[32], derived[32];
+  HMAC(EVP_sha256(), salt.data(), 32, bytesOf(key), key.size(), extracted, nullptr);
+  HMAC(EVP_sha256(), extracted, 32, bytesOf(info), info.size(), derived, nullptr);
+  const u8* chosen = key.size() == 32 ? bytesOf(key) : derived;
+  const auto n = static_cast<int>(cipher.size()) - 28;
+  std::string out(static_cast<std::size_t>(n), '\0'), tag = cipher.substr(cipher.size() - 16);
+  auto* to = reinterpret_cast<u8*>(out.data());
+  int count = 0;
+  EVP_CIPHER_CTX* context = EVP_CIPHER_CTX_new();
+  EVP_DecryptInit_ex(context, EVP_aes_256_gcm(), nullptr, chosen, bytesOf(cipher));
+  EVP_DecryptUpdate(context, to, &count, bytesOf(cipher) + 12, n);
+  EVP_CIPHER_CTX_ctrl(context, EVP_CTRL_AEAD_SET_TAG, 16, tag.data());
+  const bool done = EVP_DecryptFinal_ex(context, to + count, &count) == 1;
+  EVP_CIPHER_CTX_free(context);
+  return done ? out : "(refused)";
+}
+
+TEST(SymmetricCrypt, IsAes256GcmWithItsIvInFront) {
+  for (const u32 keySize : {1u, 16u, 31u, 32u, 33u, 64u, 1000u})
+    for (const u32 n : {0u, 1u, 15u, 16u, 17u, 1000u, 100'000u}) {
+      const std::string rawKey = randomBytes(keySize, keySize), plain = randomBytes(n, n + 1);
+      DataBuffer key = bufferOf(rawKey);
+      const std::string cipher = textOf(encrypted(plain, key));
+      EXPECT_EQ(cipher.size(), n + 28u);
+      EXPECT_TRUE(decrypted(cipher, key) == plain);
+      EXPECT_TRUE(twinDecrypted(cipher, rawKey) == plain) << keySize << " " << n;
+    }
+}
+
+TEST(SymmetricCrypt, RefusesWhatWasChanged) {
+  DataBuffer key = bufferOf(randomBytes(32));
+  for (const u32 n : {0u, 1u, 15u, 16u, 17u, 100u}) {
+    const std::string cipher = textOf(encrypted(randomBytes(n, 7), key));
+    for (u32 bit = 0; bit < 8 * cipher.size(); ++bit) {
+      std::string changed = cipher;
+      changed[bit / 8] = static_cast<char>(changed[bit / 8] ^ (1 << bit % 8));
+      EXPECT_EQ(decrypted(changed, key), "(refused)") << n << " bit " << bit;
+    }
+    for (std::size_t cut = 0; cut < cipher.size(); ++cut) {
+      EXPECT_EQ(decrypted(cipher.substr(0, cut), key), "(refused)");
+      EXPECT_EQ(decrypted(cipher.substr(cipher.size() - cut), key), "(refused)");
+    }
+    EXPECT_EQ(decrypted(cipher + '\0', key), "(refused)");
+    EXPECT_EQ(decrypted('\0' + cipher, key), "(refused)");
+  }
+}
+
+TEST(SymmetricCrypt, RefusesEachOtherKey) {
+  std::string keys[8];
+  for (u32 i = 1; i < 8; ++i) keys[i] = randomBytes(32).substr(0, 25 + i);
+  keys[0] = keys[7] + '\0';
+  for (const std::string& mine : keys) {
+    DataBuffer key = bufferOf(mine);
+    const std::string cipher = textOf(encrypted("plain", key));
+    for (const std::string& other : keys) {
+      DataBuffer otherKey = bufferOf(other);
+      EXPECT_EQ(decrypted(cipher, otherKey), mine == other ? "plain" : "(refused)");
+    }
+    DataBuffer none;
+    EXPECT_EQ(decrypted(cipher, none), "(refused)");
+  }
+}
+
+TEST(SymmetricCrypt, RefusesWhatItDoesNotKnow) {
+  DataBuffer key = bufferOf(randomBytes(32)), none;
+  const struct {
+    const char* what;
+    s32 bits;
+    const char* algorithm;
+    DataBuffer* key;
+    const u8* data;
+    u32 n;
+  } kCases[] = {{"other length of key", 128, nullptr, &key, bytesOf("x"), 1},
+                {"a name", 256, "aes", &key, bytesOf("x"), 1},
+                {"no key", 256, nullptr, &none, bytesOf("x"), 1},
+                {"no data", 256, nullptr, &key, nullptr, 1},
+                {"too much", 256, nullptr, &key, bytesOf("x"), 0xFFFFFFE4}};
+  for (const auto& c : kCases) {
+    DataBuffer out = bufferOf("old");
+    LogText log;
+    EXPECT_FALSE(SymmetricCrypt::encryptBytes(c.bits, c.algorithm, *c.key, c.data, c.n, out, log)) << c.what;
+    EXPECT_TRUE(out.empty());
+    EXPECT_EQ(log.numErrors(), 1u);
+  }
+}
+
+TEST(SymmetricCrypt, DrawsAFreshIvForEachMessage) {
+  std::set<std::string> ivs;
+  DataBuffer key = bufferOf(randomBytes(32));
+  for (u32 i = 0; i < 10'000; ++i) ivs.insert(textOf(encrypted("", key)).substr(0, 12));
+  EXPECT_EQ(ivs.size(), 10'000u);
+  DataBuffer out = bufferOf("old");
+  LogNull log;
+  const faults::FailCall armed(Call::kRandom, 1, true, {Fault::kError, ENOSYS});
+  EXPECT_FALSE(SymmetricCrypt::encryptBytes(256, nullptr, key, bytesOf("x"), 1, out, log));
+  EXPECT_TRUE(out.empty());
+}
+
+TEST(SymmetricCrypt, WorksInPlaceAndLeavesLentMemoryAlone) {
+  DataBuffer key = bufferOf(randomBytes(32)), b = bufferOf("plain text");
+  LogNull log;
+  EXPECT_TRUE(SymmetricCrypt::encryptBytes(256, nullptr, key, b.getData2(), b.size(), b, log));
+  EXPECT_TRUE(SymmetricCrypt::decryptBytes(256, nullptr, key, b.getData2(), b.size(), b, log));
+  EXPECT_EQ(textOf(b), "plain text");
+  char lent[] = "lent to the buffer, and longer than what comes out";
+  const std::string before = lent;
+  b.borrowData(lent, sizeof lent);
+  EXPECT_TRUE(SymmetricCrypt::encryptBytes(256, nullptr, key, bytesOf("x"), 1, b, log));
+  EXPECT_EQ(b.heapUsage(), 29u);
+  EXPECT_EQ(b.secure, 0);
+  EXPECT_EQ(lent, before);
+}
+
+// Every allocation fails in turn, our own and libcrypto's: false and nothing in `out`, or the right answer.
+TEST(SymmetricCrypt, SurvivesEachFailure) {
+  for (const u32 keySize : {32u, 33u}) {
+    DataBuffer key = bufferOf(randomBytes(keySize));
+    const std::string cipher = textOf(encrypted("plain text", key));
+    // Whether both directions worked; `ours` and `library` are the allocations to refuse, 0 none.
+    const auto runBoth = [&](u32 ours, bool forGood, u32 library, bool& struck) {
+      DataBuffer out = bufferOf("old"), back = bufferOf("old");
+      LogNull log;
+      const s64 held = faults::liveBlocks();
+      bool done = false, doneBack = false;
+      {
+        const faults::FailAllocation refused(ours, forGood);
+        libraryCountdown = library;
+        done = SymmetricCrypt::encryptBytes(256, nullptr, key, bytesOf("plain text"), 10, out, log);
+        doneBack = SymmetricCrypt::decryptBytes(256, nullptr, key, bytesOf(cipher), countOf(cipher), back, log);
+        libraryCountdown = 0;
+        struck = refused.struck();
+      }
+      EXPECT_EQ(faults::liveBlocks(), held);
+      EXPECT_EQ(out.size(), done ? 38u : 0u);
+      EXPECT_EQ(textOf(back), doneBack ? "plain text" : "");
+      if (done) {
+        EXPECT_EQ(decrypted(textOf(out), key), "plain text");
+      }
+      return done && doneBack;
+    };
+    bool struck = false;
+    const u32 refusals = faults::failEachAllocation([&](u32 k, bool forGood) {
+      runBoth(k, forGood, 0, struck);
+      return struck;
+    });
+    EXPECT_GE(refusals, 2u);
+    u32 failures = 0;
+    for (u32 k = 1; k <= 100; ++k) failures += runBoth(0, false, k, struck) ? 0 : 1;
+    EXPECT_GE(failures, 4u);
+  }
+}
+
+}  // namespace
