@@ -157,7 +157,8 @@ class VARNIK_API DataBuffer : public VarnikObject {
   /// Appends `n` bytes.
   bool append(const void* source, u32 n) {
     const u64 end = u64{size_} + n;
-    if (end <= writable_ && validity_ == kValid && source) [[likely]] {
+    // An end of 0 goes the slow way: there may be no block to copy into.
+    if (end - 1 < writable_ && validity_ == kValid && source) [[likely]] {
       __builtin_memmove(data_ + size_, source, n);
       size_ = static_cast<u32>(end);
       return true;
