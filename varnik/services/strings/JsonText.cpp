@@ -6,7 +6,7 @@
 #include "varnik/services/codecs/internal/Room.h"
 #include "varnik/services/strings/StringBuffer.h"
 #include "varnik/simd/Escape.h"
-#include "varnik/simd/HexEscape.h"
+#include "varnik/simd/HexUnescape.h"
 
 namespace {
 
