@@ -19,7 +19,7 @@ struct Escaped {
 /// Encodes as many of the bytes from[0, n) to `out` as take no more than `room` characters. REQUIRES: 3 * `n`
 /// characters and `kHexEscapeSlack` more may be written; areas that do not overlap.
 Escaped escapeHex(const HexEscape& how, const u8* from, u32 n, u32 room, u8* out);
-constexpr u32 kHexEscapeSlack = 16;
+constexpr u32 kHexEscapeSlack = 32;
 
 Escaped escapeHexScalar(const HexEscape& how, const u8* from, u32 n, u32 room, u8* out);
 #if VARNIK_HAVE_AVX2

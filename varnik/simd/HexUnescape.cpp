@@ -97,43 +97,61 @@ struct Unescaped {
           static_cast<u32>(_mm256_movemask_epi8(escape))};
 }
 
-}  // namespace
-
 // An escape's two digits are dropped from its block, or from the next one. Its digits are no markers, so that no two
 // escapes overlap.
-[[VARNIK_AVX2]] u32 unescapeHexAvx2(u8 marker, const u8* text, u32 n, u32 readable, u8* out) {
-  constexpr u32 kReach = 34, kShort = 8;  // read of the text for a block; what is not worth a copy
-  const __m256i markers = _mm256_set1_epi8(static_cast<char>(marker));
-  u8* p = out;
-  u32 i = 0;
-  u64 drop = 0;  // bit 0 is the place i
-  u8 rest[32 + kReach];
-  while (i < n) {
-    if (readable - i < kReach) {  // the last characters go on from a copy with room behind it
-      if (n - i <= kShort) break;
-      std::memset(rest, 0, sizeof rest);
-      std::memcpy(rest, text + i, n - i);
-      text = rest;
-      n -= i;
-      i = 0;
-      readable = sizeof rest;
+class Reader {
+ public:
+  [[VARNIK_AVX2]] Reader(u8 marker, u8* out) : markers_(_mm256_set1_epi8(static_cast<char>(marker))), p_(out) {}
+
+  u8* end() const { return p_; }
+  /// Characters at the front of the next block that belong to an escape of the last one.
+  u32 carried() const { return static_cast<u32>(__builtin_popcountll(drop_)); }
+
+  /// Takes the first `count` of 32 characters; 34 are read, and 32 bytes may be written.
+  [[VARNIK_AVX2]] void take(const u8* text, u32 count) {
+    const __m256i bytes = load(text), marked = _mm256_cmpeq_epi8(bytes, markers_);
+    if ((static_cast<u32>(_mm256_movemask_epi8(marked)) | drop_) == 0) {
+      _mm256_storeu_si256(reinterpret_cast<__m256i*>(p_), bytes);
+      p_ += count;
+      return;
     }
-    const __m256i bytes = load(text + i), marked = _mm256_cmpeq_epi8(bytes, markers);
-    const u32 wanted = n - i < 32 ? n - i : 32;
-    i += 32;
-    if ((static_cast<u32>(_mm256_movemask_epi8(marked)) | drop) == 0) {
-      _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), bytes);
-      p += wanted;
-      continue;
-    }
-    const Unescaped block = unescape32(text + i - 32, bytes, marked);
-    drop |= block.escapes << 1 | block.escapes << 2;
-    p = storeKept32(p, block.bytes, _bzhi_u32(~static_cast<u32>(drop), wanted));
-    drop >>= 32;
+    const Unescaped block = unescape32(text, bytes, marked);
+    drop_ |= block.escapes << 1 | block.escapes << 2;
+    p_ = storeKept32(p_, block.bytes, _bzhi_u32(~static_cast<u32>(drop_), count));
+    drop_ >>= 32;
   }
-  if (i >= n) return static_cast<u32>(p - out);
-  i += static_cast<u32>(__builtin_popcountll(drop));
-  return static_cast<u32>(p - out) + unescapeHexScalar(marker, text + i, n - i, n - i, p);
+
+ private:
+  const __m256i markers_;
+  u8* p_;
+  u64 drop_ = 0;  // bit 0 is the first character of the next block
+};
+
+constexpr u32 kReach = 34;
+
+// The last characters, fewer than `kReach`, go on from a copy with room behind it.
+[[VARNIK_AVX2]] void takeRest(Reader& reader, const u8* text, u32 n) {
+  u8 copy[32 + kReach] = {};
+  std::memcpy(copy, text, n);
+  reader.take(copy, n < 32 ? n : 32);
+  if (n > 32) reader.take(copy + 32, n - 32);
+}
+
+}  // namespace
+
+[[VARNIK_AVX2]] u32 unescapeHexAvx2(u8 marker, const u8* text, u32 n, u32 readable, u8* out) {
+  constexpr u32 kShort = 8;  // is not worth a copy
+  Reader reader(marker, out);
+  u32 i = 0;
+  for (; n - i >= kReach; i += 32) reader.take(text + i, 32);
+  for (; i < n && readable - i >= kReach; i += 32) reader.take(text + i, n - i < 32 ? n - i : 32);
+  if (i < n && n - i > kShort) {
+    takeRest(reader, text + i, n - i);
+  } else if (i + reader.carried() < n) {
+    i += reader.carried();
+    return static_cast<u32>(reader.end() - out) + unescapeHexScalar(marker, text + i, n - i, n - i, reader.end());
+  }
+  return static_cast<u32>(reader.end() - out);
 }
 #endif
 

@@ -128,20 +128,29 @@ u32 pieceEnd(const u8* data, u32 i, u32 n, u32 size) {
 
 // ---- Decoding ----
 
-// Decodes line by line. White space at a line's end was added on the way (rule 3); a `=` before it is a soft break, but
-// not at the end of the text.
+constexpr vk_simd::ByteSet kPlain = vk_simd::byteSetOf([](u8 b) { return b != '=' && b != '\n'; });
+
+// White space at a line's end was added on the way (rule 3); a `=` before it is a soft break, but not at the end of the
+// text.
 class Decoder {
  public:
   Decoder(const u8* text, u32 n, u8* to) : text_(text), n_(n), to_(to) {}
 
   u8* run() {
     while (i_ < n_) {
-      const void* const at = std::memchr(text_ + i_, '\n', n_ - i_);
-      if (at) {
-        line(static_cast<u32>(static_cast<const u8*>(at) - text_));
+      const u32 plain = i_ + vk_simd::copyRun(kPlain, text_ + i_, n_ - i_, to_);  // most lines hold no escape
+      if (plain == n_) {
+        to_ += withoutBlanks(n_) - i_;
+        break;
+      }
+      if (text_[plain] == '\n') {
+        const u32 end = contentEnd(plain);
+        to_ += end - i_;
+        lineBreak(plain);
       } else {
-        put(withoutBlanks(n_));
-        i_ = n_;
+        to_ += plain - i_;
+        i_ = plain;
+        rest();
       }
     }
     return to_;
@@ -153,18 +162,33 @@ class Decoder {
     return end;
   }
 
-  // The line that the LF at `feed` ends.
-  void line(u32 feed) {
-    const bool pair = feed > i_ && text_[feed - 1] == '\r';
-    const u32 end = withoutBlanks(pair ? feed - 1 : feed);
-    if (end > i_ && text_[end - 1] == '=') {
+  bool isPair(u32 feed) const { return feed > i_ && text_[feed - 1] == '\r'; }
+
+  // Where what is left of the line that the LF at `feed` ends has its content's end.
+  u32 contentEnd(u32 feed) const { return withoutBlanks(isPair(feed) ? feed - 1 : feed); }
+
+  void lineBreak(u32 feed) {
+    if (isPair(feed)) *to_++ = '\r';
+    *to_++ = '\n';
+    i_ = feed + 1;
+  }
+
+  // The rest of a line, which begins with a `=`.
+  void rest() {
+    const void* const at = std::memchr(text_ + i_, '\n', n_ - i_);
+    if (!at) {
+      put(withoutBlanks(n_));
+      i_ = n_;
+      return;
+    }
+    const u32 feed = static_cast<u32>(static_cast<const u8*>(at) - text_), end = contentEnd(feed);
+    if (text_[end - 1] == '=') {
       put(end - 1);
+      i_ = feed + 1;
     } else {
       put(end);
-      if (pair) *to_++ = '\r';
-      *to_++ = '\n';
+      lineBreak(feed);
     }
-    i_ = feed + 1;
   }
 
   void put(u32 end) { to_ += vk_simd::unescapeHex('=', text_ + i_, end - i_, n_ - i_, to_); }
