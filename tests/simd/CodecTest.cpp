@@ -166,6 +166,32 @@ TEST(CodecKernels, BreakBase64IntoLines) {
         }
 }
 
+// Whole lines from the front, up to the first that has another end, another length or a foreign character.
+TEST(CodecKernels, DecodeBase64Lines) {
+  GuardedBytes in(5 * kMost), out(4 * kMost);
+  for (const auto& form : VARNIK_FORMS(base64DecodeLines))
+    for (const std::string_view end : {"\n", "\r\n"})
+      for (const u32 lineChars : {4U, 32U, 36U, 60U, 64U, 76U, 100U})
+        for (u32 lines = 1; lines < 4; ++lines) {
+          const u32 lineLength = lineChars + countOf(end), lineBytes = lineChars / 4 * 3;
+          const std::string bytes = randomBytes(lines * lineBytes, lineChars);
+          std::string encoded;
+          for (u32 i = 0; i < lines; ++i)
+            encoded.append(slowEncode(bytes.substr(i * lineBytes, lineBytes), kBase64, 6, 4)).append(end);
+          for (u32 at = 0; at <= encoded.size(); ++at)
+            for (const char c : {'!', '=', '\t', '\xC1'}) {
+              std::string given = encoded;
+              const u32 good = at == encoded.size() ? lines : at / lineLength;
+              if (at < given.size()) given[at] = c;
+              if (at % lineLength >= lineChars && good == 0) continue;  // the first line's end is the one that counts
+              u8* const to = out.ending(bytes.size());
+              ASSERT_EQ(form.run(text(in.ending(given)), countOf(given), lineChars, countOf(end), to), good)
+                  << form.name << ", lines of " << lineChars << ", " << at;
+              ASSERT_EQ(stringAt(to, good * lineBytes), bytes.substr(0, good * lineBytes)) << form.name << ", " << at;
+            }
+        }
+}
+
 TEST(CodecKernels, GatherWhatIsNoWhiteSpace) {
   constexpr std::string_view kChars = "aB3 \t\n\v\f\r\x08\x0E\x1F!\x80\xA0\x89=&";
   std::mt19937 engine(5);

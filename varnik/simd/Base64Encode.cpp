@@ -60,39 +60,52 @@ void base64EncodeLinesScalar(const u8* in, u32 n, u32 lineBytes, const LineEnd& 
 namespace {
 
 constexpr u32 kBlockBytes = 24, kBlockChars = 32;
+constexpr u32 kMargin = 4;  // bytes that a block in the midst of others reads before and behind its own
 
-// What to add to a value, by the class found in `lettersOf`: 0 lower case, 1 to 10 the digits, 11 and 12 the two that
-// differ, 13 upper case.
+// What to add to a value, by the class found in `lettersOf`: 0 upper case, 1 lower case, 2 to 11 the digits, 12 and 13
+// the two that differ.
 [[VARNIK_AVX2]] inline __m256i offsets(bool url) {
   constexpr char lower = 'a' - 26, digit = '0' - 52;
   const char minus = static_cast<char>((url ? '-' : '+') - 62), slash = static_cast<char>((url ? '_' : '/') - 63);
-  return _mm256_broadcastsi128_si256(_mm_setr_epi8(lower, digit, digit, digit, digit, digit, digit, digit, digit, digit,
-                                                   digit, minus, slash, 'A', 0, 0));
-}
-
-// The 32 values of 24 bytes. Each half of the vector takes 12 bytes, its second load begins earlier so that it ends
-// with the block. Three bytes are spread over 32 bits as b c | a b (high to low); multiplications shift each value into
-// place.
-[[VARNIK_AVX2]] inline __m256i valuesOf(const u8* in) {
-  const __m128i front = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in));
-  const __m128i back = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + 8));
-  const __m256i spread = _mm256_setr_epi8(1, 0, 2, 1, 4, 3, 5, 4, 7, 6, 8, 7, 10, 9, 11, 10,  //
-                                          5, 4, 6, 5, 8, 7, 9, 8, 11, 10, 12, 11, 14, 13, 15, 14);
-  const __m256i groups = _mm256_shuffle_epi8(_mm256_set_m128i(back, front), spread);
-  const __m256i evenBits = _mm256_and_si256(groups, _mm256_set1_epi32(0x0FC0FC00));
-  const __m256i oddBits = _mm256_and_si256(groups, _mm256_set1_epi32(0x003F03F0));
-  return _mm256_or_si256(_mm256_mulhi_epu16(evenBits, _mm256_set1_epi32(0x04000040)),
-                         _mm256_mullo_epi16(oddBits, _mm256_set1_epi32(0x01000010)));
+  return _mm256_broadcastsi128_si256(_mm_setr_epi8('A', lower, digit, digit, digit, digit, digit, digit, digit, digit,
+                                                   digit, digit, minus, slash, 0, 0));
 }
 
 [[VARNIK_AVX2]] inline __m256i lettersOf(__m256i values, __m256i offset) {
-  const __m256i upper = _mm256_and_si256(_mm256_cmpgt_epi8(_mm256_set1_epi8(26), values), _mm256_set1_epi8(13));
-  const __m256i kind = _mm256_or_si256(_mm256_subs_epu8(values, _mm256_set1_epi8(51)), upper);
+  const __m256i pastUpper = _mm256_cmpgt_epi8(values, _mm256_set1_epi8(25));  // -1 there
+  const __m256i kind = _mm256_sub_epi8(_mm256_subs_epu8(values, _mm256_set1_epi8(51)), pastUpper);
   return _mm256_add_epi8(values, _mm256_shuffle_epi8(offset, kind));
 }
 
+// The 32 letters of 24 bytes, which stand at `first` in the lower half of the vector and at `second` in the upper one.
+// Three bytes are spread over 32 bits as b c | a b (high to low); multiplications shift each value into its place.
+template <char first, char second>
+[[VARNIK_AVX2]] inline __m256i encodedFrom(__m256i bytes, __m256i offset) {
+  const __m256i spread =
+      _mm256_add_epi8(_mm256_broadcastsi128_si256(_mm_setr_epi8(1, 0, 2, 1, 4, 3, 5, 4, 7, 6, 8, 7, 10, 9, 11, 10)),
+                      _mm256_set_m128i(_mm_set1_epi8(second), _mm_set1_epi8(first)));
+  const __m256i groups = _mm256_shuffle_epi8(bytes, spread);
+  const __m256i evenBits = _mm256_and_si256(groups, _mm256_set1_epi32(0x0FC0FC00));
+  const __m256i oddBits = _mm256_and_si256(groups, _mm256_set1_epi32(0x003F03F0));
+  const __m256i values = _mm256_or_si256(_mm256_mulhi_epu16(evenBits, _mm256_set1_epi32(0x04000040)),
+                                         _mm256_mullo_epi16(oddBits, _mm256_set1_epi32(0x01000010)));
+  return lettersOf(values, offset);
+}
+
+[[VARNIK_AVX2]] inline void store(char* out, __m256i letters) {
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), letters);
+}
+
+// Reads no byte but the block's own: the second load begins earlier, so that it ends with the block.
 [[VARNIK_AVX2]] inline void encodeBlock(const u8* in, __m256i offset, char* out) {
-  _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), lettersOf(valuesOf(in), offset));
+  const __m128i front = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in));
+  const __m128i back = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + 8));
+  store(out, encodedFrom<0, 4>(_mm256_set_m128i(back, front), offset));
+}
+
+// One load. REQUIRES: `kMargin` readable bytes on either side.
+[[VARNIK_AVX2]] inline void encodeInnerBlock(const u8* in, __m256i offset, char* out) {
+  store(out, encodedFrom<4, 0>(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(in - kMargin)), offset));
 }
 
 // Encodes what is shorter than a block through a block of its own.
@@ -106,26 +119,47 @@ constexpr u32 kBlockBytes = 24, kBlockChars = 32;
   std::memcpy(out, text, chars);
 }
 
-// A whole line of at least one block; the last block overlaps the one before it.
-[[VARNIK_AVX2]] inline void encodeLine(const u8* in, u32 n, __m256i offset, char* out) {
+// A line of at least one block with others around it; its last block overlaps the one before.
+[[VARNIK_AVX2]] inline void encodeInnerLine(const u8* in, u32 n, __m256i offset, char* out) {
   u32 i = 0;
-  for (; n - i >= kBlockBytes; i += kBlockBytes) encodeBlock(in + i, offset, out + i / 3 * 4);
-  if (i < n) encodeBlock(in + n - kBlockBytes, offset, out + (n - kBlockBytes) / 3 * 4);
+  for (; n - i >= kBlockBytes; i += kBlockBytes) encodeInnerBlock(in + i, offset, out + i / 3 * 4);
+  if (i < n) encodeInnerBlock(in + n - kBlockBytes, offset, out + (n - kBlockBytes) / 3 * 4);
+}
+
+// A group of one or two bytes.
+[[VARNIK_AVX2]] inline void encodeLastGroup(const u8* in, u32 n, __m256i offset, char* out) {
+  const int bytes = n == 2 ? in[0] | in[1] << 8 : in[0];
+  const int text = _mm256_cvtsi256_si32(encodedFrom<0, 0>(_mm256_castsi128_si256(_mm_cvtsi32_si128(bytes)), offset));
+  std::memcpy(out, &text, 4);
+  pad(n, out);
+}
+
+// Whole groups by blocks, of which the last one overlaps the one before.
+[[VARNIK_AVX2]] inline void encodeLine(const u8* in, u32 n, __m256i offset, char* out) {
+  if (n < kBlockBytes) {
+    if (n != 0) encodeShort(in, n, offset, out);
+    return;
+  }
+  const u32 whole = n - n % 3;
+  u32 i = 0;
+  for (; whole - i >= kBlockBytes; i += kBlockBytes) encodeBlock(in + i, offset, out + i / 3 * 4);
+  if (i < whole) encodeBlock(in + whole - kBlockBytes, offset, out + (whole - kBlockBytes) / 3 * 4);
+  if (whole < n) encodeLastGroup(in + whole, n - whole, offset, out + whole / 3 * 4);
 }
 
 }  // namespace
 
 [[VARNIK_AVX2]] void base64EncodeAvx2(const u8* in, u32 n, bool url, char* out) {
+  constexpr u32 kBlocks = 4;
   const __m256i offset = offsets(url);
-  for (; n >= 2 * kBlockBytes; in += 2 * kBlockBytes, n -= 2 * kBlockBytes, out += 2 * kBlockChars) {
-    encodeBlock(in, offset, out);
-    encodeBlock(in + kBlockBytes, offset, out + kBlockChars);
-  }
-  if (n >= kBlockBytes) {
+  if (n >= (kBlocks + 1) * kBlockBytes + kMargin) {
     encodeBlock(in, offset, out);
     in += kBlockBytes, n -= kBlockBytes, out += kBlockChars;
+    for (; n >= kBlocks * kBlockBytes + kMargin;
+         in += kBlocks * kBlockBytes, n -= kBlocks * kBlockBytes, out += kBlocks * kBlockChars)
+      for (u32 k = 0; k < kBlocks; ++k) encodeInnerBlock(in + k * kBlockBytes, offset, out + k * kBlockChars);
   }
-  if (n != 0) encodeShort(in, n, offset, out);
+  encodeLine(in, n, offset, out);
 }
 
 // While another line follows, its first characters may take what is stored behind a line's end.
@@ -133,8 +167,13 @@ constexpr u32 kBlockBytes = 24, kBlockChars = 32;
   if (lineBytes < kBlockBytes) return base64EncodeLinesScalar(in, n, lineBytes, end, out);
   const __m256i offset = offsets(false);
   const u32 lineChars = lineBytes / 3 * 4;
-  for (; n >= lineBytes + kBlockBytes; in += lineBytes, n -= lineBytes, out += lineChars + end.length) {
-    encodeLine(in, lineBytes, offset, out);
+  bool inner = false;
+  for (; n > lineBytes + kBlockBytes; in += lineBytes, n -= lineBytes, out += lineChars + end.length, inner = true) {
+    if (inner) {
+      encodeInnerLine(in, lineBytes, offset, out);
+    } else {
+      encodeLine(in, lineBytes, offset, out);
+    }
     std::memcpy(out + lineChars, end.text, sizeof end.text);
   }
   for (; n > lineBytes; in += lineBytes, n -= lineBytes, out += lineChars + end.length)

@@ -12,7 +12,8 @@ void hexEncode(const u8* in, u32 n, bool lower, char* out);
 void hexEncodeColons(const u8* in, u32 n, bool lower, char* out);
 
 /// Writes the bytes of the pairs of digits, of either case, at the front of in[0, n); returns how many characters that
-/// were: it stops before the first pair that holds anything else. Writes nothing behind those bytes.
+/// were: it stops before the first pair that holds anything else. What lies behind those bytes, as far as all `n`
+/// characters would reach, is undefined then.
 u32 hexDecode(const char* in, u32 n, u8* out);
 
 void hexEncodeScalar(const u8* in, u32 n, bool lower, char* out);

@@ -1,3 +1,5 @@
+#include <cstring>
+
 #include "varnik/simd/Branchless.h"
 #include "varnik/simd/Hex.h"
 
@@ -41,8 +43,9 @@ namespace {
   return _mm256_min_epu8(decimal, letter);
 }
 
-[[VARNIK_AVX2]] inline bool allBelow16(__m256i values) {
-  return _mm256_movemask_epi8(_mm256_adds_epu8(values, _mm256_set1_epi8(0x7F - 15))) == 0;
+// A bit for each value of 16 or more.
+[[VARNIK_AVX2]] inline u32 faultsOf(__m256i values) {
+  return static_cast<u32>(_mm256_movemask_epi8(_mm256_adds_epu8(values, _mm256_set1_epi8(0x7F - 15))));
 }
 
 // Pairs become bytes, each in 16 bits.
@@ -50,33 +53,51 @@ namespace {
   return _mm256_maddubs_epi16(values, _mm256_set1_epi16(0x0110));
 }
 
-[[VARNIK_AVX2]] inline bool decode64(const char* in, u8* out) {
-  const __m256i a = valuesOf(in), b = valuesOf(in + 32);
-  if (!allBelow16(_mm256_or_si256(a, b))) return false;
+constexpr u32 kBlockChars = 32;
+
+[[VARNIK_AVX2]] inline bool decodeTwoBlocks(const char* in, u8* out) {
+  const __m256i a = valuesOf(in), b = valuesOf(in + kBlockChars);
+  if (faultsOf(_mm256_or_si256(a, b)) != 0) return false;
   const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packus_epi16(joined(a), joined(b)), 0xD8);
   _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), bytes);
   return true;
 }
 
-[[VARNIK_AVX2]] inline bool decode32(const char* in, u8* out) {
-  const __m256i values = valuesOf(in);
-  if (!allBelow16(values)) return false;
-  const __m256i words = joined(values);
+// Stores a block, and returns how many characters its whole pairs are up to the first fault.
+[[VARNIK_AVX2]] inline u32 decodeBlock(const char* in, u8* out) {
+  const __m256i values = valuesOf(in), words = joined(values);
   const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packus_epi16(words, words), 0xD8);
   _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_castsi256_si128(bytes));
-  return true;
+  const u32 faults = faultsOf(values);
+  return faults == 0 ? kBlockChars : static_cast<u32>(__builtin_ctz(faults)) & ~u32{1};
+}
+
+// Decodes less than a block through a block of its own.
+[[VARNIK_AVX2]] inline u32 decodeShort(const char* in, u32 n, u8* out) {
+  char text[kBlockChars];
+  u8 bytes[kBlockChars / 2];
+  std::memset(text, '0', sizeof text);
+  std::memcpy(text, in, n);
+  const u32 good = decodeBlock(text, bytes), count = good < n ? good : n;
+  std::memcpy(out, bytes, count / 2);
+  return count;
 }
 
 }  // namespace
 
-// What is left behind the whole blocks is decoded by a block that overlaps them.
+// The last block overlaps the one before it.
 [[VARNIK_AVX2]] u32 hexDecodeAvx2(const char* in, u32 n, u8* out) {
-  const u32 whole = n & ~u32{1};
+  if (n < 8) return hexDecodeScalar(in, n, out);
+  n &= ~u32{1};
+  if (n < kBlockChars) return decodeShort(in, n, out);
   u32 i = 0;
-  while (whole - i >= 64 && decode64(in + i, out + i / 2)) i += 64;
-  while (whole - i >= 32 && decode32(in + i, out + i / 2)) i += 32;
-  if (i != 0 && whole - i < 32 && decode32(in + whole - 32, out + (whole - 32) / 2)) return whole;
-  return i + hexDecodeScalar(in + i, whole - i, out + i / 2);
+  while (n - i >= 2 * kBlockChars && decodeTwoBlocks(in + i, out + i / 2)) i += 2 * kBlockChars;
+  while (n != i) {
+    const u32 at = n - i < kBlockChars ? n - kBlockChars : i, good = decodeBlock(in + at, out + at / 2);
+    i = at + good;
+    if (good < kBlockChars) break;
+  }
+  return i;
 }
 #endif
 

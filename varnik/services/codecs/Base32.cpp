@@ -7,7 +7,7 @@
 
 namespace {
 // A last group of one byte is padded with six characters.
-constexpr vk_codec::GroupFormat kBase32 = {5, 8, 5, 'A', 6, false, vk_simd::base32Decode};
+constexpr vk_codec::GroupFormat kBase32 = {5, 8, 5, 'A', 6, false, vk_simd::base32Decode, nullptr};
 }  // namespace
 
 bool ContentEncoder::encodeBase32(const u8* data, u32 n, StringBuffer& out) {

@@ -17,8 +17,9 @@ template <bool url>
 u32 decodeWholeGroups(const char* in, u32 n, u8* out) {
   return vk_simd::base64Decode(in, n, url, out);
 }
-constexpr vk_codec::GroupFormat kStandard = {6, 4, 3, 'A', 2, true, decodeWholeGroups<false>};
-constexpr vk_codec::GroupFormat kUrlSafe = {6, 4, 3, 'A', 2, true, decodeWholeGroups<true>};
+constexpr vk_codec::GroupFormat kStandard = {
+    6, 4, 3, 'A', 2, true, decodeWholeGroups<false>, vk_simd::base64DecodeLines};
+constexpr vk_codec::GroupFormat kUrlSafe = {6, 4, 3, 'A', 2, true, decodeWholeGroups<true>, nullptr};
 
 // One run of text, its last `dropped` characters left off.
 bool encodeRun(const u8* data, u32 n, bool url, u32 dropped, StringBuffer& out) {

@@ -17,8 +17,8 @@ u32 referenceLength(const char* text, u32 n) {
              : 0;
 }
 
-// One run over a text. What the kernel takes straight from the front of the text is decoded there; from the first
-// character that it stops at, the text is gathered piece by piece without its white space.
+// One run over a text. What the kernels take straight from the text is decoded there, up to the first white space and
+// then line by line; from where they stop, the text is gathered piece by piece without its white space.
 class Decoding {
  public:
   // `to` has room for the bytes of all `n` characters, a group that is not whole counted whole.
@@ -28,11 +28,12 @@ class Decoding {
   u32 written() const { return written_; }
 
  private:
-  static constexpr u32 kPiece = 4096;
+  static constexpr u32 kPiece = 4096, kMostChars = 8, kMostBytes = 5;  // the largest group
 
   void decodeCleanFront();
+  void decodeLines();
   bool decodeHeld();
-  DecodeResult decodeLastGroup();
+  bool decodeLastGroup();
   DecodeResult skipPadding();
   u32 skippedAt(u32 at) const;
   bool isKnown(char c) const;
@@ -50,16 +51,40 @@ class Decoding {
   char held_[kPiece + vk_simd::kGatherSlack];  // characters that count, read and not yet decoded
 };
 
-// Padding at the very end is kept from the kernel, which would leave a whole block for its sake.
+// Padding at the very end is kept from the kernel, which would leave a whole block for its sake. Where less than a
+// group stands before it, the text is as good as done.
 void Decoding::decodeCleanFront() {
   u32 end = n_;
   while (end != 0 && n_ - end < f_.mostPadding && text_[end - 1] == '=') --end;
   at_ = decoded_ = f_.decode(text_, end, to_);
   written_ = decoded_ / f_.chars * f_.bytes;
+  if (end - at_ >= f_.chars) return;
+  const u32 front = at_;
+  while (at_ != end) held_[numHeld_++] = text_[at_++];
+  if (decodeLastGroup()) return;
+  at_ = front;  // white space, a reference or a fault: the long way will tell
+  numHeld_ = 0;
+}
+
+// Lines as encoders write them: all of one length, whole groups, each ended by one or two characters.
+void Decoding::decodeLines() {
+  constexpr u32 kShortest = 32, kLongest = 1024;  // others are gathered as well
+  while (at_ < n_ && vk_simd::isWhiteSpace(text_[at_])) ++at_;
+  const u32 most = std::min(n_ - at_, kLongest);
+  const char* const line = text_ + at_;
+  u32 length = 0, end = 0;
+  while (length < most && !vk_simd::isWhiteSpace(line[length])) ++length;
+  while (end < 2 && length + end < most && vk_simd::isWhiteSpace(line[length + end])) ++end;
+  if (length < kShortest || length % f_.chars != 0 || end == 0) return;
+  const u32 lines = f_.decodeLines(line, n_ - at_, length, end, to_ + written_);
+  at_ += lines * (length + end);
+  decoded_ += lines * length;
+  written_ += lines * (length / f_.chars * f_.bytes);
 }
 
 // False when a whole group is held that holds a character outside the alphabet.
 bool Decoding::decodeHeld() {
+  if (numHeld_ < f_.chars) return true;
   const u32 used = f_.decode(held_, numHeld_, to_ + written_);
   decoded_ += used;
   written_ += used / f_.chars * f_.bytes;
@@ -69,8 +94,8 @@ bool Decoding::decodeHeld() {
 }
 
 bool Decoding::isKnown(char c) const {
-  char group[8];
-  u8 bytes[5];
+  char group[kMostChars];
+  u8 bytes[kMostBytes];
   std::fill_n(group, f_.chars, c);
   return f_.decode(group, f_.chars, bytes) == f_.chars;
 }
@@ -100,20 +125,20 @@ DecodeResult Decoding::faultAt(u32 at) const {
 
 // A group that is not whole is filled with zeros: the bytes that it has no bits for must be zero then. A last character
 // that completes no byte is one too many.
-DecodeResult Decoding::decodeLastGroup() {
-  if (numHeld_ == 0) return DecodeResult::good();
+bool Decoding::decodeLastGroup() {
   const u32 count = numHeld_ * f_.bits / 8;
-  char group[8];
-  u8 bytes[5];
-  std::fill_n(group, f_.chars, f_.zero);
-  std::memcpy(group, held_, numHeld_);
-  const bool fits = f_.decode(group, f_.chars, bytes) == f_.chars && count != (numHeld_ - 1) * f_.bits / 8 &&
-                    std::all_of(bytes + count, bytes + f_.bytes, [](u8 b) { return b == 0; });
-  if (!fits) return faultAt(offsetOf(decoded_ + numHeld_ - 1));
-  std::memcpy(to_ + written_, bytes, count);
-  written_ += count;
+  if (numHeld_ == 0) return true;
+  if (count == (numHeld_ - 1) * f_.bits / 8) return false;
+  char group[kMostChars];
+  u8 bytes[kMostBytes] = {};
+  for (u32 k = 0; k < kMostChars; ++k) group[k] = k < numHeld_ ? held_[k] : f_.zero;
+  if (f_.decode(group, f_.chars, bytes) != f_.chars) return false;
+  u8 spare = 0;
+  for (u32 k = 0; k < kMostBytes; ++k) spare |= k < count ? u8{0} : bytes[k];
+  if (spare != 0) return false;
+  for (u32 k = 0; k < count; ++k) to_[written_++] = bytes[k];
   numHeld_ = 0;
-  return DecodeResult::good();
+  return true;
 }
 
 DecodeResult Decoding::skipPadding() {
@@ -131,6 +156,7 @@ DecodeResult Decoding::skipPadding() {
 
 DecodeResult Decoding::run() {
   decodeCleanFront();
+  if (f_.decodeLines && at_ < n_) decodeLines();
   while (at_ < n_) {
     u32 gathered = 0;
     at_ += vk_simd::gatherText(text_ + at_, n_ - at_, held_ + numHeld_, kPiece - numHeld_, gathered);
@@ -142,8 +168,7 @@ DecodeResult Decoding::run() {
     if (skipped == 0) return faultAt(at_);
     at_ += skipped;
   }
-  const DecodeResult last = decodeLastGroup();
-  return last.ok ? skipPadding() : last;
+  return decodeLastGroup() ? skipPadding() : faultAt(offsetOf(decoded_ + numHeld_ - 1));
 }
 
 }  // namespace

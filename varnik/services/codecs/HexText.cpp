@@ -3,7 +3,7 @@
 #include "varnik/simd/Hex.h"
 
 namespace {
-constexpr vk_codec::GroupFormat kHex = {4, 2, 1, '0', 0, false, vk_simd::hexDecode};
+constexpr vk_codec::GroupFormat kHex = {4, 2, 1, '0', 0, false, vk_simd::hexDecode, nullptr};
 }
 
 DecodeResult vk_decodeHex(const char* text, u32 n, DataBuffer& out) {

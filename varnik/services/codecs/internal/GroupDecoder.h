@@ -14,6 +14,8 @@ struct GroupFormat {
   bool references;   // `&#xD;` and `&#13;` are skipped like white space
   /// Decodes whole groups from the front and returns how many characters they were, as the kernels of `simd/` do.
   u32 (*decode)(const char* in, u32 n, u8* out);
+  /// Decodes lines of one length from the front and returns how many; null for a format that is not written in lines.
+  u32 (*decodeLines)(const char* in, u32 n, u32 lineChars, u32 endChars, u8* out);
 };
 
 /// Appends what `n` characters of text stand for. White space is skipped wherever it stands, padding may be missing; a
