@@ -23,6 +23,7 @@ DecodeResult asResult(bool ok) {
   return {ok, kNoFault};
 }
 
+// For decoders to which white space at the ends is not all the same.
 DecodeResult decodeTrimmed(Decoder& decode, std::string_view text, DataBuffer& out) {
   const std::string_view core = vk_codec::trimmed(text);
   DecodeResult result = decode(core.data(), static_cast<u32>(core.size()), out);
@@ -32,9 +33,10 @@ DecodeResult decodeTrimmed(Decoder& decode, std::string_view text, DataBuffer& o
 
 // Into a buffer that holds bytes already, base64 goes by way of one of its own, and only the append decides.
 DecodeResult decodeBase64(Decoder& decode, std::string_view text, DataBuffer& out) {
-  if (out.empty()) return decodeTrimmed(decode, text, out);
+  const u32 n = static_cast<u32>(text.size());
+  if (out.empty()) return decode(text.data(), n, out);
   DataBuffer bytes;
-  const DecodeResult result = decodeTrimmed(decode, text, bytes);
+  const DecodeResult result = decode(text.data(), n, bytes);
   return {out.append(bytes), result.badAt};
 }
 
@@ -51,7 +53,7 @@ DecodeResult decodeFingerprint(std::string_view text, DataBuffer& out) {
   StringBuffer digits;
   digits.appendN(text.data(), static_cast<u32>(text.size()));
   digits.removeCharOccurances(':');
-  DecodeResult result = decodeTrimmed(vk_decodeHex, {digits.getString(), digits.getSize()}, out);
+  DecodeResult result = vk_decodeHex(digits.getString(), digits.getSize(), out);
   if (result.badAt != kNoFault) result.badAt = skippingColons(text, result.badAt);
   return result;
 }
@@ -70,10 +72,10 @@ DecodeResult decodeDecimal(std::string_view text, DataBuffer& out) {
   return {appended, static_cast<u32>(at)};
 }
 
-// A broken escape stays in the text and does not decide.
 DecodeResult decodeJson(std::string_view text, DataBuffer& out) {
-  const DecodeResult result = vk_decodeJsonText(text.data(), static_cast<u32>(text.size()), out);
-  return {result.ok || result.badAt != kNoFault, result.badAt};
+  StringBuffer plain;
+  const DecodeResult result = vk_decodeJson(text.data(), static_cast<u32>(text.size()), plain);
+  return {out.appendStr(plain.getString()), result.badAt};
 }
 
 DecodeResult convertCharset(s32 codePage, std::string_view text, DataBuffer& out) {
@@ -101,7 +103,7 @@ DecodeResult vk_decodeText(s32 id, const char* text, u32 n, DataBuffer& out) {
       return vk_decodeQuotedPrintable(text, n, out);
     case 3:
     case 25:
-      return decodeTrimmed(vk_decodeHex, all, out);
+      return vk_decodeHex(text, n, out);
     case 4:
       UrlCodec::urlDecode(text, out);
       return DecodeResult::good();
@@ -122,7 +124,7 @@ DecodeResult vk_decodeText(s32 id, const char* text, u32 n, DataBuffer& out) {
     case 26:
       return decodeTrimmed(vk_decodeWords, all, out);
     case 30:
-      return decodeTrimmed(vk_decodeBase32, all, out);
+      return vk_decodeBase32(text, n, out);
     case 37:
       return decodeTrimmed(vk_decodeUu, all, out);
     default:

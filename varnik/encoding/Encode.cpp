@@ -29,12 +29,13 @@ bool encodeCrEntity(const u8* data, u32 n, StringBuffer& out) {
   return encoder.encodeBase64CrEntity(data, n, out);
 }
 
-// The length is part of the name, "qp-72"; where there is none or 0, the encoder has its own.
+// The length is part of the name, "qp-72"; where there is none, 0 or one past 32 bits, the encoder has its own.
 bool encodeQuotedPrintable(const char* name, const u8* data, u32 n, StringBuffer& out) {
+  constexpr s32 kSaturated = 0x7FFFFFFF;
   s32 length = 0;
   TextScan::scanOne(name, "qp-%d", &length);
   ContentEncoder encoder;
-  if (length != 0) encoder.setLineLength(static_cast<u32>(length));
+  if (length != 0 && length != kSaturated) encoder.setLineLength(static_cast<u32>(length));
   return encoder.encodeQuotedPrintable(data, n, out);
 }
 

@@ -117,15 +117,15 @@ constexpr Chains kChains = chained();
 // REQUIRES: texts of the same length.
 bool equalsIgnoreCase(std::string_view a, std::string_view b) {
   for (std::size_t i = 0; i < a.size(); ++i)
-    if (lowered(a[i]) != lowered(b[i])) return false;
+    if (a[i] != b[i] && lowered(a[i]) != lowered(b[i])) return false;  // most are written as in the table
   return true;
 }
 
 bool matches(const EncodingName& row, std::string_view name) {
+  if (row.match == whole) return name.size() == row.name.size() && equalsIgnoreCase(name, row.name);
   if (name.size() < row.name.size()) return false;
-  if (row.match == whole && name.size() != row.name.size()) return false;
   const std::string_view head = name.substr(0, row.name.size());
-  return row.match == prefixExactCase ? head == row.name : equalsIgnoreCase(head, row.name);
+  return row.match == prefix ? equalsIgnoreCase(head, row.name) : head == row.name;
 }
 
 }  // namespace
@@ -149,7 +149,6 @@ std::string_view trimmed(const char* text) {
 }
 
 const EncodingName* findEncodingName(std::string_view name) {
-  name = trimmed(name);
   if (name.empty()) return nullptr;
   const u8 letter = lowered(name[0]);
   if (letter < 'a' || letter > 'z') return nullptr;

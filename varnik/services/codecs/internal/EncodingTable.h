@@ -60,7 +60,8 @@ struct CodecFacts {
 /// All names, in the order in which they are tried.
 VARNIK_API std::span<const EncodingName> encodingNames();
 
-/// Returns the first name of the table that matches, null when none does. White space around the name does not count.
+/// Returns the first name of the table that matches, null when none does. REQUIRES: a name without white space around
+/// it, see `trimmed`.
 VARNIK_API const EncodingName* findEncodingName(std::string_view name);
 
 VARNIK_API const CodecFacts& factsOf(TextCodec codec);

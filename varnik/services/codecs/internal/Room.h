@@ -7,10 +7,10 @@
 
 namespace vk_codec {
 
-/// Makes room for `n` more bytes and returns where they go; null when memory or the size limit stands in the way. `n`
-/// is above 0.
+/// Makes room for `n` more bytes and returns where they go; null when memory or the size limit stands in the way, and
+/// for a damaged buffer, which is reported. `n` is above 0.
 inline u8* roomFor(DataBuffer& out, u64 n) {
-  if (n > 0xFFFFFFFF) return nullptr;
+  if (n > 0xFFFFFFFF || !out.checkValidityDb()) return nullptr;
   const u32 count = static_cast<u32>(n);
   if (out.getBufSize() - out.getSize() < count && !out.expandBuffer(count)) return nullptr;
   return out.getData2() + out.getSize();
@@ -22,10 +22,10 @@ inline u8* roomFor(StringBuffer& out, u64 n) {
 
 /// Encodes long inputs piece by piece, so that no more than the worst case of one piece is reserved beyond what is
 /// written. `encode(from, n, to)` writes the text of a piece to `to` and returns its length; `perByte` is the most
-/// characters that a byte takes. It may write 32 characters beyond the most that the piece takes.
+/// characters that a byte takes.
 template <class Encode>
 bool encodeInPieces(const u8* data, u32 n, u32 perByte, StringBuffer& out, Encode encode) {
-  constexpr u32 kPiece = 1U << 24, kSlack = 32;
+  constexpr u32 kPiece = 1U << 24, kSlack = 8;
   for (u32 i = 0; i < n;) {
     const u32 piece = n - i < kPiece ? n - i : kPiece;
     u8* const to = roomFor(out, u64{piece} * perByte + kSlack);

@@ -1,0 +1,93 @@
+#include <gtest/gtest.h>
+
+#include <new>
+
+#include "tests/support/Allocations.h"
+#include "tests/support/Bytes.h"
+
+namespace {
+
+std::string hexOf(std::string_view bytes, bool colons) {
+  StringBuffer out("=");
+  DataBuffer::toHexString2(bytesOf(bytes), countOf(bytes), colons, out);
+  return textOf(out).substr(1);
+}
+
+std::string linesOf(std::string_view bytes, s32 perLine) {
+  StringBuffer out("=");
+  bufferOf(bytes).toHexLines(out, perLine);
+  return textOf(out).substr(1);
+}
+
+// Digit by digit, the line break where the count says so.
+std::string slowLines(std::string_view bytes, s32 perLine) {
+  std::string out;
+  s32 count = 0;
+  for (const char c : bytes) {
+    for (const int nibble : {static_cast<u8>(c) >> 4, c & 15}) out += "0123456789ABCDEF"[nibble];
+    if (++count != perLine) continue;
+    out += "\r\n";
+    count = 0;
+  }
+  return out + "\r\n";
+}
+
+TEST(Hex, RendersDigitsAndColons) {
+  EXPECT_EQ(hexOf(fromHex("00 0F A0 FF"), false), "000FA0FF");
+  EXPECT_EQ(hexOf(fromHex("00 0F A0 FF"), true), "00:0F:A0:FF");
+  EXPECT_EQ(hexOf("\x7F", true), "7F");
+  EXPECT_EQ(hexOf("", true), "");
+  EXPECT_EQ(hexOf(randomBytes(300), true).size(), 899U);
+  StringBuffer out;
+  DataBuffer::toHexString2(nullptr, 5, false, out);
+  EXPECT_EQ(out.getSize(), 0U);
+  bufferOf("AZ").toHexString(out);
+  EXPECT_EQ(textOf(out), "415A");
+}
+
+TEST(Hex, RendersLines) {
+  for (const u32 n : {1U, 3U, 4U, 6U, 15U, 16U, 17U, 231U, 245U, 1000U})
+    for (const s32 perLine : {-1, 0, 1, 2, 4, 16, 17, 245, 0x7FFFFFFF}) {
+      const std::string bytes = randomBytes(n, n);
+      EXPECT_EQ(linesOf(bytes, perLine), slowLines(bytes, perLine)) << n << " bytes, " << perLine << " a line";
+    }
+  EXPECT_EQ(linesOf("", 4), "");
+}
+
+TEST(Hex, ReportsADestroyedBufferOnce) {
+  alignas(DataBuffer) unsigned char place[sizeof(DataBuffer)];
+  DataBuffer* const dead = new (place) DataBuffer;
+  dead->append("abc", 3);
+  dead->~DataBuffer();
+  StringBuffer out;
+  const u32 before = Psdk::numReports();
+  dead->toHexString(out);
+  EXPECT_EQ(Psdk::numReports(), before + 1);
+  dead->toHexLines(out, 16);
+  EXPECT_EQ(Psdk::numReports(), before + 2);
+  EXPECT_EQ(out.getSize(), 0U);
+}
+
+TEST(Hex, AppendsWhatFitsWhenMemoryIsShort) {
+  const std::string bytes = randomBytes(1000), want = slowLines(bytes, 16);
+  DataBuffer data = bufferOf(bytes);
+  faults::failEachAllocation([&](u32 k, bool forGood) {
+    StringBuffer out;
+    out.getAppendPtr(600);
+    const faults::FailAllocation failing(k, forGood);
+    data.toHexLines(out, 16);
+    const bool struck = failing.struck();
+    EXPECT_EQ(want.compare(0, out.getSize(), out.getString(), out.getSize()), 0);
+    EXPECT_GE(out.getSize(), 240U);  // what the first room holds in whole pieces
+    return struck;
+  });
+}
+
+TEST(Hex, RendersTheStringItself) {
+  StringBuffer text("0123456789abcdef0123456789ABCDEF");
+  DataBuffer::toHexString2(bytesOf(text.getString()), text.getSize(), false, text);
+  EXPECT_EQ(textOf(text),
+            "0123456789abcdef0123456789ABCDEF3031323334353637383961626364656630313233343536373839414243444546");
+}
+
+}  // namespace
