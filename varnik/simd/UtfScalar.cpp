@@ -6,11 +6,6 @@
 namespace vk_simd {
 namespace {
 
-using Utf16Le = Utf16<std::endian::little>;
-using Utf16Be = Utf16<std::endian::big>;
-using Utf32Le = Utf32<std::endian::little>;
-using Utf32Be = Utf32<std::endian::big>;
-
 template <class From, class To>
 struct Pair {
   static UtfProgress convert(const u8* data, u32 n, u8* out, u32 room) {
@@ -124,6 +119,7 @@ u64 utfLengthBound(Utf from, Utf to, u32 n) {
 }
 
 u64 utfLengthIfValidScalar(Utf from, Utf to, const u8* data, u32 n) {
+  if (from == Utf::k8 && to == Utf::k8) return n;
   const UtfCounts counts = countsOf(from, data, n);
   switch (widthClass(to)) {
     case 0:

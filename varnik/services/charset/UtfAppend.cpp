@@ -4,13 +4,22 @@ namespace vk_charset {
 
 using vk_simd::Utf;
 
+namespace {
+
+// Room that is there already is filled before anything is counted: a target that is used again needs no count then.
+constexpr u32 kWorthFilling = 256;
+
+}  // namespace
+
 bool appendUtf(Utf from, Utf to, const u8* data, u32 n, DataBuffer& out, bool& bad) {
-  // Where the most that it can become fits, nothing is counted. Else a valid text gets just the room that it needs; one
-  // that turns out longer because of its bad parts is counted exactly for the second round, which is then the last.
-  for (bool counted = false; n != 0; counted = true) {
-    if (vk_simd::utfLengthBound(from, to, n) > freeBytes(out)) {
+  // What does not fit is counted: as if it were valid, which is fast, and where that was not enough, exactly.
+  bool counted = false;
+  for (bool filled = false; n != 0; filled = true) {
+    const bool isEnough = vk_simd::utfLengthBound(from, to, n) <= freeBytes(out);
+    if (!isEnough && (filled || freeBytes(out) < kWorthFilling)) {
       const u64 length = counted ? vk_simd::utfLength(from, to, data, n) : vk_simd::utfLengthIfValid(from, to, data, n);
       if (!makeRoom(out, length)) return false;
+      counted = true;
     }
     const vk_simd::UtfProgress done = vk_simd::convertUtf(from, to, data, n, freeSpace(out), freeBytes(out));
     out.addToSize(done.written);

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "varnik/services/memory/Types.h"
+#include "varnik/simd/Utf.h"
 
 namespace vk_simd {
 
@@ -17,6 +18,7 @@ constexpr bool isSurrogate(u32 code) {
 }
 
 struct Utf8 {
+  using Unit = u8;
   static u32 decode(const u8* p, u32 n, u32& code) {
     const u32 lead = p[0];
     code = lead;
@@ -50,6 +52,8 @@ struct Utf8 {
 
 template <std::endian kOrder>
 struct Utf16 {
+  using Unit = u16;
+  static constexpr std::endian kEndian = kOrder;
   static u32 unit(const u8* p) {
     u16 value;
     std::memcpy(&value, p, 2);
@@ -85,6 +89,8 @@ struct Utf16 {
 
 template <std::endian kOrder>
 struct Utf32 {
+  using Unit = u32;
+  static constexpr std::endian kEndian = kOrder;
   static u32 value(const u8* p) {
     u32 code;
     std::memcpy(&code, p, 4);
@@ -103,6 +109,11 @@ struct Utf32 {
     std::memcpy(out, &code, 4);
   }
 };
+
+using Utf16Le = Utf16<std::endian::little>;
+using Utf16Be = Utf16<std::endian::big>;
+using Utf32Le = Utf32<std::endian::little>;
+using Utf32Be = Utf32<std::endian::big>;
 
 /// A conversion on its way.
 struct UtfCursor {

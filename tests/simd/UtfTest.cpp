@@ -1,0 +1,186 @@
+// Conversions between the Unicode forms: each form of a kernel against the scalar one, and the scalar one against a
+// reader that knows only the table of well-formed sequences.
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "tests/simd/Forms.h"
+#include "tests/support/Bytes.h"
+#include "tests/support/GuardedBytes.h"
+#include "varnik/simd/Utf.h"
+
+namespace {
+
+using vk_simd::Utf;
+constexpr Utf kAll[] = {Utf::k8, Utf::k16Le, Utf::k16Be, Utf::k32Le, Utf::k32Be};
+
+struct Result {
+  std::string text;
+  bool bad;
+  bool operator==(const Result&) const = default;
+};
+
+// Converts within room that ends at an unreadable page; what is written past the answer must stay inside.
+template <class Convert>
+Result run(Convert* convert, Utf from, Utf to, std::string_view text, u32 room) {
+  static GuardedBytes in(1 << 16), out(1 << 18);
+  u8* const to8 = out.ending(room);
+  const auto done = convert(from, to, in.ending(text), countOf(text), to8, room);
+  EXPECT_LE(done.written, room);
+  EXPECT_LE(done.read, text.size());
+  Result result{std::string(reinterpret_cast<char*>(to8), done.written), done.bad};
+  if (done.read < text.size()) result.text.append("|").append(std::to_string(done.read));
+  return result;
+}
+
+// Pieces of text that meet in every combination: each length of character, runs of each, and bad parts.
+std::string pieces(u32 seed, u32 count, bool withBad) {
+  static const std::string kGood[] = {"a",
+                                      "plain text of some length, enough for a block ",
+                                      "\u00E9",
+                                      "\u041F\u0440\u0438\u0432\u0435\u0442\u043C\u0438\u0440",
+                                      "\u20AC",
+                                      "\u7F13\u51B2\u533A\u5B57\u7B26\u7F16\u7801",
+                                      "\U0001F600",
+                                      "\U00010000\U0010FFFF",
+                                      "\uFFFD",
+                                      "\uE000\uD7FF",
+                                      std::string(1, '\0'),
+                                      "\x7F\u0080\u07FF\u0800\uFFFF"};
+  static const std::string kBad[] = {"\x80",         "\xC3",     "\xE2\x82",         "\xF0\x9F\x98",
+                                     "\xED\xA0\x80", "\xC0\xAF", "\xF4\x90\x80\x80", "\xFF"};
+  std::mt19937 next(seed);
+  std::string text;
+  for (u32 i = 0; i < count; ++i)
+    text += withBad && next() % 8 == 0 ? kBad[next() % std::size(kBad)] : kGood[next() % std::size(kGood)];
+  return text;
+}
+
+std::string inForm(Utf form, const std::string& utf8) {
+  return run(vk_simd::convertUtfScalar, Utf::k8, form, utf8, 1 << 17).text;
+}
+
+TEST(Utf, FormsAgree) {
+  for (u32 seed = 0; seed < 400; ++seed) {
+    const std::string utf8 = pieces(seed, seed % 60, seed % 2);
+    for (const Utf from : kAll) {
+      std::string text = from == Utf::k8 ? utf8 : inForm(from, utf8);
+      if (seed % 2 && from != Utf::k8)
+        for (u32 i = seed % 5; i < text.size(); i += 37) text[i] = static_cast<char>(0xD8 + i % 8);
+      text.resize(text.size() - std::min<std::size_t>(text.size(), seed % 4));
+      for (const Utf to : kAll) {
+        const Result want = run(vk_simd::convertUtfScalar, from, to, text, 1 << 17);
+        const u32 exact = countOf(want.text);
+        EXPECT_EQ(vk_simd::utfLength(from, to, bytesOf(text), countOf(text)), exact);
+        EXPECT_LE(exact, vk_simd::utfLengthBound(from, to, countOf(text)));
+        for (const auto& form : VARNIK_FORMS(convertUtf))
+          for (const u32 room : {1u << 17, exact, exact - std::min(exact, 1u), exact / 2, exact / 3, 0u})
+            ASSERT_EQ(run(form.run, from, to, text, room), run(vk_simd::convertUtfScalar, from, to, text, room))
+                << form.name << seed << " " << static_cast<int>(from) << static_cast<int>(to) << " " << room;
+        for (const auto& form : VARNIK_FORMS(utfLengthIfValid)) {
+          const u64 length = form.run(from, to, bytesOf(text), countOf(text));
+          ASSERT_EQ(length, vk_simd::utfLengthIfValidScalar(from, to, bytesOf(text), countOf(text))) << form.name;
+          ASSERT_TRUE(want.bad || length == exact) << form.name;
+        }
+      }
+    }
+  }
+}
+
+// A character of each length, and a bad byte, at each place of a text of each length.
+TEST(Utf, EachCharacterAtEachPlace) {
+  for (u32 n = 0; n <= 140; ++n)
+    for (const char* piece : {"\u00E9", "\u20AC", "\U0001F600", "\xE2\x82", "\xBF"})
+      for (u32 at = 0; at <= n; at += 1 + at / 70) {
+        std::string text(n, 'x');
+        text.insert(at, piece);
+        for (const Utf to : {Utf::k8, Utf::k16Le, Utf::k16Be, Utf::k32Le}) {
+          const Result want = run(vk_simd::convertUtfScalar, Utf::k8, to, text, 4096);
+          for (const auto& form : VARNIK_FORMS(convertUtf)) {
+            ASSERT_EQ(run(form.run, Utf::k8, to, text, countOf(want.text)), want) << form.name << n << " " << at;
+            if (want.bad || to == Utf::k8) continue;
+            ASSERT_EQ(run(form.run, to, Utf::k8, want.text, countOf(text)), (Result{text, false})) << form.name << n;
+          }
+        }
+      }
+}
+
+TEST(Utf, CountsOfLongTextsDoNotOverflowTheirLanes) {
+  std::string utf8;
+  while (utf8.size() < 3'000'000) utf8 += "\U0001F600\u20AC\u00E9x";
+  for (const Utf from : kAll) {
+    std::string text(vk_simd::utfLength(Utf::k8, from, bytesOf(utf8), countOf(utf8)), '\0');
+    vk_simd::convertUtf(Utf::k8, from, bytesOf(utf8), countOf(utf8), reinterpret_cast<u8*>(text.data()), countOf(text));
+    for (const Utf to : kAll)
+      for (const auto& form : VARNIK_FORMS(utfLengthIfValid))
+        ASSERT_EQ(form.run(from, to, bytesOf(text), countOf(text)),
+                  vk_simd::utfLength(from, to, bytesOf(text), countOf(text)))
+            << form.name;
+  }
+}
+
+// What may follow what, as Unicode 15 has it in table 3-7, and nothing else.
+u32 wellFormed(const u8* p, u32 n) {
+  static constexpr u8 kRows[][4] = {{0xC2, 0xDF, 0x80, 0xBF}, {0xE0, 0xE0, 0xA0, 0xBF}, {0xE1, 0xEC, 0x80, 0xBF},
+                                    {0xED, 0xED, 0x80, 0x9F}, {0xEE, 0xEF, 0x80, 0xBF}, {0xF0, 0xF0, 0x90, 0xBF},
+                                    {0xF1, 0xF3, 0x80, 0xBF}, {0xF4, 0xF4, 0x80, 0x8F}};
+  if (p[0] < 0x80) return 1;
+  for (const auto& row : kRows) {
+    if (p[0] < row[0] || p[0] > row[1]) continue;
+    const u32 size = p[0] < 0xE0 ? 2 : p[0] < 0xF0 ? 3 : 4;
+    if (n < size || p[1] < row[2] || p[1] > row[3]) return 0;
+    for (u32 i = 2; i < size; ++i)
+      if ((p[i] & 0xC0) != 0x80) return 0;
+    return size;
+  }
+  return 0;
+}
+
+// The longest front of what could still become a character is one bad part.
+u32 badPart(const u8* p, u32 n) {
+  for (u32 size = 3; size > 1; --size) {
+    if (n < size) continue;
+    const u8 whole[4] = {p[0], p[1], size == 3 ? p[2] : u8{0x80}, 0x80};
+    if (wellFormed(whole, 4) > size) return size;
+  }
+  return 1;
+}
+
+// All sequences of three bytes, the interesting ones of four, 32 apart and at the end of a text.
+TEST(Utf, EveryShortSequenceIsReadAsTheStandardHasIt) {
+  static constexpr u8 kFourth[] = {0x7F, 0x80, 0xBF, 0xC2};
+  std::string text(2048 * 8, ' ');
+  const auto check = [&](u32 count) {
+    std::string want;
+    bool bad = false;
+    for (u32 i = 0; i < count;) {
+      const u8* const p = bytesOf(text) + i;
+      const u32 size = wellFormed(p, count - i);
+      want.append(size != 0 ? std::string_view(text).substr(i, size) : "\uFFFD");
+      bad |= size == 0;
+      i += size != 0 ? size : badPart(p, count - i);
+    }
+    const std::string_view given = std::string_view(text).substr(0, count);
+    const std::string units = inForm(Utf::k16Le, want);
+    for (const auto& form : VARNIK_FORMS(convertUtf)) {
+      ASSERT_TRUE(run(form.run, Utf::k8, Utf::k8, given, 1 << 17) == (Result{want, bad})) << form.name;
+      ASSERT_TRUE(run(form.run, Utf::k8, Utf::k16Le, given, 1 << 17) == (Result{units, bad})) << form.name;
+    }
+  };
+  for (u32 lead = 0x7F; lead < 0x100; ++lead)
+    for (const u8 fourth : kFourth) {
+      if (lead < 0xF0 && fourth != 0x80) continue;
+      for (u32 second = 0x70; second < 0x100; second += lead < 0xC0 ? 16 : 1) {
+        u32 count = 0;
+        for (u32 third = 0; third < 0x100; third += lead < 0xE0 ? 15 : 1) {
+          const char each[] = {static_cast<char>(lead), static_cast<char>(second), static_cast<char>(third),
+                               static_cast<char>(fourth), 'z'};
+          std::copy(each, each + 5, text.begin() + count);
+          count += 5;
+        }
+        check(count);
+      }
+    }
+}
+
+}  // namespace
