@@ -3,7 +3,6 @@
 #include <thread>
 #include <vector>
 
-#include "tests/support/Allocations.h"
 #include "tests/support/Bytes.h"
 
 namespace {
@@ -104,16 +103,6 @@ TEST(View, Logs) {
   view.logViewData("text", false, log);
   EXPECT_STREQ(log.getText(), "text: abc\n");
   EXPECT_EQ(log.numErrors(), 0u);
-}
-
-TEST(View, LosesNothingWithoutMemory) {
-  DataBufferView view;
-  view.append("abcdef", 6);
-  DataBuffer out;
-  const faults::FailAllocation none(1, true);
-  EXPECT_FALSE(view.append(std::string_view("x").data(), 30'000'000));
-  EXPECT_FALSE(view.takeBytes(3, out));
-  EXPECT_EQ(view.getViewSize(), 6u);
 }
 
 // Several producers append records of one byte value each, of that many bytes; a consumer takes whole records.
