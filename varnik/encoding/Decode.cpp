@@ -72,10 +72,10 @@ DecodeResult decodeDecimal(std::string_view text, DataBuffer& out) {
   return {appended, static_cast<u32>(at)};
 }
 
+// A broken escape stays in the text and does not decide.
 DecodeResult decodeJson(std::string_view text, DataBuffer& out) {
-  StringBuffer plain;
-  const DecodeResult result = vk_decodeJson(text.data(), static_cast<u32>(text.size()), plain);
-  return {out.appendStr(plain.getString()), result.badAt};
+  const DecodeResult result = vk_decodeJsonText(text.data(), static_cast<u32>(text.size()), out);
+  return {result.ok || result.badAt != kNoFault, result.badAt};
 }
 
 DecodeResult convertCharset(s32 codePage, std::string_view text, DataBuffer& out) {

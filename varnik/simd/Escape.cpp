@@ -28,26 +28,52 @@ u32 escapeBytesScalar(const EscapeTable& table, const u8* from, u32 n, u8* out) 
 }
 
 #if VARNIK_HAVE_AVX2
+namespace {
+
+[[VARNIK_AVX2]] inline void copy32(const u8* from, u8* out) {
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from)));
+}
+
+// Writes a block with few bytes to escape: after each of them the rest of the block is copied anew.
+[[VARNIK_AVX2]] inline u8* putBlock(const EscapeTable& table, const u8* from, u32 dirty, u8* out) {
+  u32 start = 0;
+  do {
+    const u32 at = _tzcnt_u32(dirty);
+    out = put(table, from[at], out + (at - start));
+    start = at + 1;
+    copy32(from + start, out);
+    dirty = _blsr_u32(dirty);
+  } while (dirty != 0);
+  return out + (32 - start);
+}
+
+}  // namespace
+
+// The blocks lie at fixed places, so that finding what to escape in one does not wait for the one before it.
 [[VARNIK_AVX2]] u32 escapeBytesAvx2(const EscapeTable& table, const u8* from, u32 n, u8* out) {
-  constexpr int kFew = 2;
+  constexpr int kFew = 4;
   const SetTables tables = tablesOf(table.clean);
   u8* p = out;
   u32 i = 0;
-  while (n - i >= 32) {
+  for (; n - i >= 32; i += 32) {
     const __m256i bytes = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from + i));
     const u32 dirty = outsiders(tables, bytes);
-    if (__builtin_popcount(dirty) > kFew) {
+    const bool reachable = n - i >= 64;  // what is copied anew goes beyond the block
+    if (dirty != 0 && (!reachable || __builtin_popcount(dirty) > kFew)) {
       p = putAll(table, from + i, 32, p);
-      i += 32;
       continue;
     }
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), bytes);
-    const u32 run = _tzcnt_u32(dirty);  // 32 when all are clean
-    p += run;
-    i += run;
-    if (run == 32) continue;
-    p = put(table, from[i++], p);
-    if (i < n) p = put(table, from[i++], p);  // line ends come in pairs
+    p = dirty == 0 ? p + 32 : putBlock(table, from + i, dirty, p);
+  }
+  for (; n - i >= 16; i += 16) {
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + i));
+    if (outsiders16(tables, bytes) != 0) {
+      p = putAll(table, from + i, 16, p);
+    } else {
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(p), bytes);
+      p += 16;
+    }
   }
   return static_cast<u32>(putAll(table, from + i, n - i, p) - out);
 }

@@ -1,124 +1,158 @@
 #include "varnik/simd/HexEscape.h"
 
-#include <array>
-#include <cstring>
-
-#if VARNIK_HAVE_AVX2
-#include <immintrin.h>
-#endif
+#include "varnik/simd/Classify.h"
+#include "varnik/simd/Expand.h"
 
 namespace vk_simd {
 
+Escaped escapeHexScalar(const HexEscape& how, const u8* from, u32 n, u32 room, u8* out) {
+  Escaped done{0, 0};
+  for (; done.bytes < n; ++done.bytes) {
+    const u8 b = from[done.bytes];
+    const u32 width = how.clean.has(b) ? 1 : 3;
+    if (room - done.chars < width) break;
+    u8* const to = out + done.chars;
+    if (width == 1) {
+      to[0] = b;
+    } else {
+      to[0] = how.marker;
+      to[1] = static_cast<u8>("0123456789ABCDEF"[b >> 4]);
+      to[2] = static_cast<u8>("0123456789ABCDEF"[b & 15]);
+    }
+    done.chars += width;
+  }
+  return done;
+}
+
+#if VARNIK_HAVE_AVX2
 namespace {
 
-constexpr std::array<u8, 256> kHexValues = [] {
-  std::array<u8, 256> values{};
-  for (u32 c = 0; c < 256; ++c) values[c] = hexValue(static_cast<u8>(c));
-  return values;
-}();
-
-}  // namespace
-
-u32 unescapeHexScalar(u8 marker, const u8* text, u32 n, u8* out) {
-  u8* p = out;
-  for (u32 i = 0; i < n; ++i) {
-    *p = text[i];
-    if (text[i] == marker && n - i >= 3) {
-      const u8 high = kHexValues[text[i + 1]], low = kHexValues[text[i + 2]];
-      if ((high | low) < 16) {
-        *p = static_cast<u8>(high << 4 | low);
-        i += 2;
+// For each choice among four bytes of those to escape, where the characters come from: of a vector that holds the four
+// bytes, their high digits, their low digits and the marker.
+struct Shapes {
+  u8 at[16][16];
+};
+constexpr Shapes kShapes = [] {
+  Shapes shapes{};
+  for (u32 mask = 0; mask < 16; ++mask) {
+    u8* p = shapes.at[mask];
+    for (u32 k = 0; k < 4; ++k) {
+      if ((mask >> k & 1) == 0) {
+        *p++ = static_cast<u8>(k);
+      } else {
+        *p++ = 12;
+        *p++ = static_cast<u8>(4 + k);
+        *p++ = static_cast<u8>(8 + k);
       }
     }
-    ++p;
   }
-  return static_cast<u32>(p - out);
-}
-
-#if VARNIK_HAVE_AVX2
-namespace {
-
-// For each mask of 8 bytes, the places of those to keep, in order.
-struct Places {
-  u8 at[256][8];
-};
-constexpr Places kPlaces = [] {
-  Places places{};
-  for (u32 mask = 0; mask < 256; ++mask)
-    for (u32 bit = 0, kept = 0; bit < 8; ++bit)
-      if ((mask >> bit & 1) != 0) places.at[mask][kept++] = static_cast<u8>(bit);
-  return places;
+  return shapes;
 }();
 
-[[VARNIK_AVX2]] inline __m256i load(const u8* p) {
-  return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
+[[VARNIK_AVX2]] inline u8* put4(__m128i parts, u32 mask, u8* out) {
+  const __m128i shape = _mm_loadu_si128(reinterpret_cast<const __m128i*>(kShapes.at[mask]));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_shuffle_epi8(parts, shape));
+  return out + 4 + 2 * _mm_popcnt_u32(mask);
 }
 
-// Stores the kept ones of the low 8 bytes and returns the place behind them; all 8 bytes there are written.
-[[VARNIK_AVX2]] inline u8* storeKept8(u8* out, __m128i bytes, u32 keep) {
-  const __m128i places = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(kPlaces.at[keep]));
-  _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_shuffle_epi8(bytes, places));
-  return out + _mm_popcnt_u32(keep);
+// Writes 16 bytes, those in `dirty` escaped; 16 characters from the last one on may be written.
+[[VARNIK_AVX2]] inline void putEscaped(__m128i bytes, __m128i marker, u32 dirty, u8* out) {
+  const __m128i digits = _mm_setr_epi8('0', '1', '2', '3', '4', '5', '6', '7', '8', '9', 'A', 'B', 'C', 'D', 'E', 'F');
+  const __m128i nibble = _mm_set1_epi8(15);
+  const __m128i high = _mm_shuffle_epi8(digits, _mm_and_si128(_mm_srli_epi16(bytes, 4), nibble));
+  const __m128i low = _mm_shuffle_epi8(digits, _mm_and_si128(bytes, nibble));
+  const Quarters parts = quartersOf(bytes, high, low, marker);
+  out = put4(parts.at[0], dirty & 15, out);
+  out = put4(parts.at[1], dirty >> 4 & 15, out);
+  out = put4(parts.at[2], dirty >> 8 & 15, out);
+  put4(parts.at[3], dirty >> 12 & 15, out);
 }
 
-[[VARNIK_AVX2]] inline u8* storeKept32(u8* out, __m256i bytes, u32 keep) {
-  const __m128i low = _mm256_castsi256_si128(bytes), high = _mm256_extracti128_si256(bytes, 1);
-  out = storeKept8(out, low, keep & 0xFF);
-  out = storeKept8(out, _mm_unpackhi_epi64(low, low), keep >> 8 & 0xFF);
-  out = storeKept8(out, high, keep >> 16 & 0xFF);
-  return storeKept8(out, _mm_unpackhi_epi64(high, high), keep >> 24);
+inline u32 widthOf(u32 count, u32 dirty) {
+  return count + 2 * static_cast<u32>(__builtin_popcount(dirty));
 }
 
-struct Digits {
-  __m256i values, valid;  // valid: all bits of each byte that is a hex digit
+// How many of the first `count` of 16 bytes take no more than `room` characters: halves the steps.
+[[VARNIK_AVX2]] inline Escaped cut(u32 count, u32 dirty, u32 room) {
+  u32 fit = 0;
+  for (u32 step = 8; step != 0; step /= 2)
+    if (fit + step <= count && widthOf(fit + step, _bzhi_u32(dirty, fit + step)) <= room) fit += step;
+  return {fit, widthOf(fit, _bzhi_u32(dirty, fit))};
+}
+
+// The last 1 to 15 bytes, moved to the front of a vector. They end an input of 16 or more.
+[[VARNIK_AVX2]] inline __m128i lastBytes(const u8* end, u32 count) {
+  static constexpr s8 kMoves[] = {0,  1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13, 14, 15,
+                                  -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1};
+  const __m128i move = _mm_loadu_si128(reinterpret_cast<const __m128i*>(kMoves + 16 - count));
+  return _mm_shuffle_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(end - 16)), move);
+}
+
+// Writes pieces of an input one behind the other, until the room is used up.
+class Writer {
+ public:
+  [[VARNIK_AVX2]] Writer(const HexEscape& how, u32 room, u8* out)
+      : tables_(tablesOf(how.clean)), marker_(_mm_set1_epi8(static_cast<char>(how.marker))), room_(room), out_(out) {}
+
+  const Escaped& done() const { return done_; }
+  u8* end() const { return out_ + done_.chars; }
+  u32 left() const { return room_ - done_.chars; }
+
+  /// Both return false when not all had room.
+  [[VARNIK_AVX2]] bool put32(const u8* from) {
+    const __m256i bytes = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from));
+    const u32 dirty = outsiders(tables_, bytes);
+    if (dirty == 0 && left() >= 32) {
+      _mm256_storeu_si256(reinterpret_cast<__m256i*>(end()), bytes);
+      done_ = {done_.bytes + 32, done_.chars + 32};
+      return true;
+    }
+    return put(_mm256_castsi256_si128(bytes), 16, dirty & 0xFFFF) &&
+           put(_mm256_extracti128_si256(bytes, 1), 16, dirty >> 16);
+  }
+  /// Puts the first `count` of 16 bytes.
+  [[VARNIK_AVX2]] bool put16(__m128i bytes, u32 count) {
+    return put(bytes, count, _bzhi_u32(outsiders16(tables_, bytes), count));
+  }
+
+ private:
+  [[VARNIK_AVX2]] bool put(__m128i bytes, u32 count, u32 dirty) {
+    putEscaped(bytes, marker_, dirty, end());
+    Escaped more{count, widthOf(count, dirty)};
+    if (more.chars > left()) more = cut(count, dirty, left());
+    done_ = {done_.bytes + more.bytes, done_.chars + more.chars};
+    return more.bytes == count;
+  }
+
+  const SetTables tables_;
+  const __m128i marker_;
+  const u32 room_;
+  u8* const out_;
+  Escaped done_{0, 0};
 };
-
-[[VARNIK_AVX2]] inline Digits digitsOf(__m256i c) {
-  // A digit's value is its low half; a letter's lacks 9. A difference is in range when the least of it and the limit is
-  // itself.
-  const __m256i letter = _mm256_or_si256(c, _mm256_set1_epi8(0x20));
-  const __m256i fromZero = _mm256_sub_epi8(c, _mm256_set1_epi8('0'));
-  const __m256i fromA = _mm256_sub_epi8(letter, _mm256_set1_epi8('a'));
-  const __m256i isDigit = _mm256_cmpeq_epi8(_mm256_min_epu8(fromZero, _mm256_set1_epi8(9)), fromZero);
-  const __m256i isLetter = _mm256_cmpeq_epi8(_mm256_min_epu8(fromA, _mm256_set1_epi8(5)), fromA);
-  const __m256i half = _mm256_and_si256(c, _mm256_set1_epi8(15));
-  return {_mm256_add_epi8(half, _mm256_and_si256(isLetter, _mm256_set1_epi8(9))), _mm256_or_si256(isDigit, isLetter)};
-}
 
 }  // namespace
 
-// Every place of a block is taken as if an escape began there; then those are chosen where one does, and the two places
-// behind each are dropped. An escape has no marker in its digits, so that no two overlap.
-[[VARNIK_AVX2]] u32 unescapeHexAvx2(u8 marker, const u8* text, u32 n, u8* out) {
-  const __m256i markers = _mm256_set1_epi8(static_cast<char>(marker));
-  u8* p = out;
+[[VARNIK_AVX2]] Escaped escapeHexAvx2(const HexEscape& how, const u8* from, u32 n, u32 room, u8* out) {
+  if (n < 16) return escapeHexScalar(how, from, n, room, out);
+  Writer writer(how, room, out);
   u32 i = 0;
-  u64 drop = 0;  // bit 0 is the place i
-  for (; n - i >= 34; i += 32) {
-    const __m256i bytes = load(text + i), marked = _mm256_cmpeq_epi8(bytes, markers);
-    if ((static_cast<u32>(_mm256_movemask_epi8(marked)) | drop) == 0) {
-      _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), bytes);
-      p += 32;
-      continue;
-    }
-    const Digits high = digitsOf(load(text + i + 1)), low = digitsOf(load(text + i + 2));
-    const __m256i escape = _mm256_and_si256(marked, _mm256_and_si256(high.valid, low.valid));
-    const __m256i value = _mm256_or_si256(_mm256_slli_epi16(high.values, 4), low.values);
-    const u64 escapes = static_cast<u32>(_mm256_movemask_epi8(escape));
-    drop |= escapes << 1 | escapes << 2;
-    p = storeKept32(p, _mm256_blendv_epi8(bytes, value, escape), ~static_cast<u32>(drop));
-    drop >>= 32;
+  for (; n - i >= 32; i += 32)
+    if (!writer.put32(from + i)) return writer.done();
+  if (n - i >= 16) {
+    if (!writer.put16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from + i)), 16)) return writer.done();
+    i += 16;
   }
-  i += static_cast<u32>(__builtin_popcountll(drop));
-  return static_cast<u32>(p - out) + unescapeHexScalar(marker, text + i, n - i, p);
+  if (i < n) writer.put16(lastBytes(from + n, n - i), n - i);
+  return writer.done();
 }
 #endif
 
-u32 unescapeHex(u8 marker, const u8* text, u32 n, u8* out) {
+Escaped escapeHex(const HexEscape& how, const u8* from, u32 n, u32 room, u8* out) {
 #if VARNIK_HAVE_AVX2
-  if (hasAvx2()) return unescapeHexAvx2(marker, text, n, out);
+  if (hasAvx2()) return escapeHexAvx2(how, from, n, room, out);
 #endif
-  return unescapeHexScalar(marker, text, n, out);
+  return escapeHexScalar(how, from, n, room, out);
 }
 
 }  // namespace vk_simd

@@ -1,25 +1,29 @@
 #pragma once
 
 #include "varnik/services/memory/Types.h"
-#include "varnik/simd/Cpu.h"
+#include "varnik/simd/ByteSet.h"
 
 namespace vk_simd {
 
-/// Writes text[0, n) to `out` with each `marker` and two hex digits of either case behind it turned into the byte that
-/// they stand for, and returns the number of bytes. A marker without two digits stays as it is. All of out[0, n) may be
-/// written. REQUIRES: the areas do not overlap; the marker is no hex digit.
-u32 unescapeHex(u8 marker, const u8* text, u32 n, u8* out);
+/// An encoding that writes a byte as itself or as a marker and two upper-case hex digits.
+struct HexEscape {
+  ByteSet clean;  // what stands for itself
+  u8 marker;
+};
 
-u32 unescapeHexScalar(u8 marker, const u8* text, u32 n, u8* out);
+/// How much of an input was encoded, and how many characters that took.
+struct Escaped {
+  u32 bytes, chars;
+};
+
+/// Encodes as many of the bytes from[0, n) to `out` as take no more than `room` characters. REQUIRES: 3 * `n`
+/// characters and `kHexEscapeSlack` more may be written; areas that do not overlap.
+Escaped escapeHex(const HexEscape& how, const u8* from, u32 n, u32 room, u8* out);
+constexpr u32 kHexEscapeSlack = 32;
+
+Escaped escapeHexScalar(const HexEscape& how, const u8* from, u32 n, u32 room, u8* out);
 #if VARNIK_HAVE_AVX2
-u32 unescapeHexAvx2(u8 marker, const u8* text, u32 n, u8* out);
+Escaped escapeHexAvx2(const HexEscape& how, const u8* from, u32 n, u32 room, u8* out);
 #endif
-
-/// Returns the value of a hex digit, 0xFF when the character is none.
-constexpr u8 hexValue(u8 c) {
-  if (c >= '0' && c <= '9') return static_cast<u8>(c - '0');
-  const u32 letter = (c | 0x20U) - 'a';
-  return letter < 6 ? static_cast<u8>(letter + 10) : u8{0xFF};
-}
 
 }  // namespace vk_simd

@@ -1,7 +1,6 @@
 // Ascii85: four bytes are a number, five digits of base 85, most significant first, each written as '!' + digit; four
 // zero bytes are the single character 'z'. Of a last group of k bytes, filled up with zeros, k + 1 digits are written.
-#include <array>
-
+#include "varnik/simd/Ascii85.h"
 #include "varnik/services/codecs/ContentEncoder.h"
 #include "varnik/services/codecs/internal/DecodeResult.h"
 #include "varnik/services/codecs/internal/Room.h"
@@ -9,61 +8,16 @@
 
 namespace {
 
-constexpr u32 kBase = 85, kSquare = kBase * kBase;
-constexpr u8 kNoDigit = 0xFF;
-
-constexpr std::array<u8, 256> kValues = [] {
-  std::array<u8, 256> values{};
-  values.fill(kNoDigit);
-  for (u32 digit = 0; digit < kBase; ++digit) values['!' + digit] = static_cast<u8>(digit);
-  return values;
-}();
-
 u32 wordAt(const u8* p) {
   return u32{p[0]} << 24 | u32{p[1]} << 16 | u32{p[2]} << 8 | p[3];
 }
 
-void putWord(u32 word, u8* to) {
-  to[0] = static_cast<u8>(word >> 24);
-  to[1] = static_cast<u8>(word >> 16);
-  to[2] = static_cast<u8>(word >> 8);
-  to[3] = static_cast<u8>(word);
-}
-
-void putDigits(u32 word, u8* to) {
-  const u32 upper = word / kSquare, lower = word % kSquare;  // two divisions that do not wait for each other follow
-  const u32 first = upper / kSquare, middle = upper % kSquare;
-  to[0] = static_cast<u8>('!' + first);
-  to[1] = static_cast<u8>('!' + middle / kBase);
-  to[2] = static_cast<u8>('!' + middle % kBase);
-  to[3] = static_cast<u8>('!' + lower / kBase);
-  to[4] = static_cast<u8>('!' + lower % kBase);
-}
-
-u8* encode(const u8* data, u32 n, u8* to) {
-  u32 i = 0;
-  for (; n - i >= 4; i += 4) {
-    const u32 word = wordAt(data + i);
-    if (word == 0) {
-      *to++ = 'z';
-    } else {
-      putDigits(word, to);
-      to += 5;
-    }
-  }
-  if (i == n) return to;
-  u32 word = 0;
-  for (u32 k = 0; k < 4; ++k) word = word << 8 | (i + k < n ? data[i + k] : 0U);
-  putDigits(word, to);
-  return to + (n - i) + 1;
-}
-
-// The value of five digits; past 32 bits when one of them is none.
-u64 groupValue(const u8* digits) {
-  const u64 a = kValues[digits[0]], b = kValues[digits[1]], c = kValues[digits[2]], d = kValues[digits[3]],
-            e = kValues[digits[4]];
-  const u64 value = (a * kBase + b) * u64{kSquare} * kBase + (c * kBase + d) * kBase + e;
-  return value | ((a | b | c | d | e) & 0x80) << 32;
+// A last group of 1 to 3 bytes.
+u32 putRest(const u8* data, u32 n, u8* to) {
+  u8 bytes[4] = {};
+  for (u32 k = 0; k < n; ++k) bytes[k] = data[k];
+  vk_simd::putAscii85Digits(wordAt(bytes), to);
+  return n + 1;
 }
 
 // A group that white space interrupts, a bad one or the last one.
@@ -75,7 +29,7 @@ struct Group {
   void collect(const u8* text, u32 n, u32& i) {
     for (; i < n && count < 5; ++i) {
       if (vk_codec::isSpace(text[i])) continue;
-      if (kValues[text[i]] == kNoDigit) return;
+      if (!vk_simd::isAscii85Digit(text[i])) return;
       if (count == 0) start = i;
       digits[count++] = text[i];
     }
@@ -122,28 +76,19 @@ class Decoder {
   }
 
   void wholeGroups() {
-    while (i_ < n_) {
-      u64 value = 0;
-      if (text_[i_] == 'z') {
-        ++i_;
-      } else {
-        if (n_ - i_ < 5 || (value = groupValue(text_ + i_)) > 0xFFFFFFFF) return;
-        i_ += 5;
-      }
-      putWord(static_cast<u32>(value), to_);
-      to_ += 4;
-    }
+    const auto done = vk_simd::readAscii85(text_ + i_, n_ - i_, to_);
+    i_ += done.chars;
+    to_ += 4 * std::size_t{done.words};
   }
 
   // Filled up with the greatest digit, a short group gives its bytes in the upper places. It is the encoder's when
   // these bytes, filled up with zeros, have the same digits.
   bool put(const Group& group) {
-    const u64 value = groupValue(group.digits);
+    const u64 value = vk_simd::ascii85Value(group.digits);
     if (group.count == 1 || value > 0xFFFFFFFF) return false;
-    u8 bytes[4], digits[5];
-    putWord(static_cast<u32>(value), bytes);
-    for (u32 k = group.count - 1; k < 4; ++k) bytes[k] = 0;
-    putDigits(wordAt(bytes), digits);
+    u8 bytes[4] = {}, digits[5];
+    for (u32 k = 0; k + 1 < group.count; ++k) bytes[k] = static_cast<u8>(value >> (24 - 8 * k));
+    vk_simd::putAscii85Digits(wordAt(bytes), digits);
     for (u32 k = 0; k < group.count; ++k)
       if (digits[k] != group.digits[k]) return false;
     for (u32 k = 0; k + 1 < group.count; ++k) *to_++ = bytes[k];
@@ -165,16 +110,18 @@ u32 countOf(u8 c, const u8* text, u32 n) {
 
 bool ContentEncoder::encodeAscii85(const u8* data, u32 n, StringBuffer& out, LogBase&) {
   if (n == 0) return true;
-  u8* const to = vk_codec::roomFor(out, u64{n} / 4 * 5 + 5);
+  u8* const to = vk_codec::roomFor(out, u64{n} / 4 * 5 + 5 + vk_simd::kAscii85Slack);
   if (!to) return false;
-  out.addToSize(static_cast<u32>(encode(data, n, to) - to));
+  u32 chars = vk_simd::putAscii85(data, n / 4, to);
+  if (n % 4 != 0) chars += putRest(data + n / 4 * 4, n % 4, to + chars);
+  out.addToSize(chars);
   return true;
 }
 
 DecodeResult vk_decodeAscii85(const char* text, u32 n, DataBuffer& out) {
   if (n == 0) return DecodeResult::good();
   const u32 zeros = countOf('z', vk_codec::asBytes(text), n);
-  u8* const to = vk_codec::roomFor(out, u64{zeros} * 4 + u64{n - zeros} / 5 * 4 + 4);
+  u8* const to = vk_codec::roomFor(out, u64{zeros} * 4 + u64{n - zeros} / 5 * 4 + 4 + vk_simd::kAscii85Slack);
   if (!to) return DecodeResult::noMemory();
   Decoder decoder(vk_codec::asBytes(text), n, to);
   const DecodeResult result = decoder.run();

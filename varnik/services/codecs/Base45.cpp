@@ -5,63 +5,19 @@
 #include "varnik/services/codecs/ContentEncoder.h"
 #include "varnik/services/codecs/internal/DecodeResult.h"
 #include "varnik/services/codecs/internal/Room.h"
+#include "varnik/simd/Base45.h"
 
 namespace {
 
-constexpr char kDigits[] = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ $%*+-./:";
-constexpr u32 kSquare = 45 * 45;
+using vk_simd::kBase45Digits;
 
-// The two digits of each number below 45 squared: one division then serves three digits.
-struct Pair {
-  u8 low, high;
-};
-constexpr std::array<Pair, kSquare> kPairs = [] {
-  std::array<Pair, kSquare> pairs{};
-  for (u32 i = 0; i < kSquare; ++i) pairs[i] = {static_cast<u8>(kDigits[i % 45]), static_cast<u8>(kDigits[i / 45])};
-  return pairs;
+constexpr u8 kNoDigit = 0xFF;
+constexpr std::array<u8, 256> kValues = [] {
+  std::array<u8, 256> values{};
+  values.fill(kNoDigit);
+  for (u32 i = 0; i < 45; ++i) values[static_cast<u8>(kBase45Digits[i])] = static_cast<u8>(i);
+  return values;
 }();
-
-u8* putTriple(u32 value, u8* to) {
-  const Pair pair = kPairs[value % kSquare];
-  to[0] = pair.low;
-  to[1] = pair.high;
-  to[2] = static_cast<u8>(kDigits[value / kSquare]);
-  return to + 3;
-}
-
-u8* putDigits(const u8* data, u32 n, u8* to) {
-  u32 i = 0;
-  for (; n - i >= 2; i += 2) to = putTriple(static_cast<u32>(data[i] << 8 | data[i + 1]), to);
-  if (i < n) {
-    const Pair pair = kPairs[data[i]];
-    *to++ = pair.low;
-    *to++ = pair.high;
-  }
-  return to;
-}
-
-// What a character is worth at each of the three places. One outside the alphabet is worth more than any group may be,
-// so that one comparison tells both kinds of bad group.
-constexpr u32 kNoDigit = 1U << 20;
-struct Worth {
-  u32 at[3][256];
-};
-constexpr Worth kWorth = [] {
-  Worth worth{};
-  for (auto& place : worth.at)
-    for (u32& each : place) each = kNoDigit;
-  for (u32 i = 0; i < 45; ++i) {
-    const u8 c = static_cast<u8>(kDigits[i]);
-    worth.at[0][c] = i;
-    worth.at[1][c] = i * 45;
-    worth.at[2][c] = i * kSquare;
-  }
-  return worth;
-}();
-
-u32 valueOf(const u8* group) {
-  return kWorth.at[0][group[0]] + kWorth.at[1][group[1]] + kWorth.at[2][group[2]];
-}
 
 // A group that line breaks interrupt, a bad one or the last one.
 struct Group {
@@ -72,15 +28,12 @@ struct Group {
   void collect(const u8* text, u32 n, u32& i) {
     for (; i < n && count < 3; ++i) {
       if (text[i] == '\r' || text[i] == '\n' || text[i] == '\t') continue;
+      if (kValues[text[i]] == kNoDigit) return;
       if (count == 0) start = i;
-      digits[count++] = text[i];
-      if (kWorth.at[0][text[i]] == kNoDigit) return;
+      digits[count++] = kValues[text[i]];
     }
   }
-  bool endsInNoDigit() const { return count != 0 && kWorth.at[0][digits[count - 1]] == kNoDigit; }
-  u32 value() const {
-    return kWorth.at[0][digits[0]] + kWorth.at[1][digits[1]] + (count == 3 ? kWorth.at[2][digits[2]] : 0);
-  }
+  u32 value() const { return digits[0] + 45U * digits[1] + 2025U * digits[2]; }
 };
 
 class Decoder {
@@ -92,8 +45,8 @@ class Decoder {
       wholeGroups();
       Group group;
       group.collect(text_, n_, i_);
+      if (i_ < n_ && group.count < 3) return DecodeResult::fault(i_);
       if (group.count == 0) return DecodeResult::good();
-      if (group.endsInNoDigit()) return DecodeResult::fault(i_);
       const u32 most = group.count == 3 ? 0xFFFF : 0xFF;
       if (group.count == 1 || group.value() > most) return DecodeResult::fault(group.start);
       if (group.count == 3) *to_++ = static_cast<u8>(group.value() >> 8);
@@ -104,12 +57,9 @@ class Decoder {
 
  private:
   void wholeGroups() {
-    for (; n_ - i_ >= 3; i_ += 3, to_ += 2) {
-      const u32 value = valueOf(text_ + i_);
-      if (value > 0xFFFF) return;
-      to_[0] = static_cast<u8>(value >> 8);
-      to_[1] = static_cast<u8>(value);
-    }
+    const u32 groups = vk_simd::readBase45(text_ + i_, n_ - i_, to_);
+    i_ += 3 * groups;
+    to_ += 2 * std::size_t{groups};
   }
 
   const u8* text_;
@@ -121,15 +71,22 @@ class Decoder {
 
 bool ContentEncoder::encodeBase45(const u8* data, u32 n, StringBuffer& out, LogBase&) {
   if (n == 0) return true;
-  u8* const to = vk_codec::roomFor(out, u64{n} / 2 * 3 + 2);
+  const u32 pairs = n / 2, chars = n % 2 * 2;
+  u8* to = vk_codec::roomFor(out, u64{pairs} * 3 + 2 + vk_simd::kBase45Slack);
   if (!to) return false;
-  out.addToSize(static_cast<u32>(putDigits(data, n, to) - to));
+  vk_simd::putBase45(data, pairs, to);
+  to += 3 * std::size_t{pairs};
+  if (chars != 0) {
+    to[0] = static_cast<u8>(kBase45Digits[data[n - 1] % 45]);
+    to[1] = static_cast<u8>(kBase45Digits[data[n - 1] / 45]);
+  }
+  out.addToSize(pairs * 3 + chars);
   return true;
 }
 
 DecodeResult vk_decodeBase45(const char* text, u32 n, DataBuffer& out) {
   if (n == 0) return DecodeResult::good();
-  u8* const to = vk_codec::roomFor(out, u64{n} / 3 * 2 + 1);
+  u8* const to = vk_codec::roomFor(out, u64{n} / 3 * 2 + 1 + vk_simd::kBase45Slack);
   if (!to) return DecodeResult::noMemory();
   Decoder decoder(vk_codec::asBytes(text), n, to);
   const DecodeResult result = decoder.run();

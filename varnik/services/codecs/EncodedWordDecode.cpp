@@ -7,7 +7,7 @@
 #include "varnik/services/codecs/ContentEncoder.h"
 #include "varnik/services/codecs/internal/DecodeResult.h"
 #include "varnik/services/codecs/internal/Room.h"
-#include "varnik/simd/HexEscape.h"
+#include "varnik/simd/HexUnescape.h"
 
 namespace {
 

@@ -3,12 +3,14 @@
 //   blank at a line's end        =20        rule 3
 //   CR LF                        CR LF      rule 4: a line break of text; a lone CR or LF is data, =0D or =0A
 //   line too long                ...= CR LF rule 5: a soft break
+#include <cstring>
+
 #include "varnik/services/codecs/ContentEncoder.h"
 #include "varnik/services/codecs/internal/DecodeResult.h"
 #include "varnik/services/codecs/internal/Room.h"
 #include "varnik/simd/ByteSet.h"
-#include "varnik/simd/Escape.h"
 #include "varnik/simd/HexEscape.h"
+#include "varnik/simd/HexUnescape.h"
 
 namespace {
 
@@ -21,15 +23,7 @@ constexpr bool isLiteral(u8 b) {
   return (b > ' ' && b < 0x7F && b != '=') || isBlank(b);
 }
 
-constexpr u32 writeEscape(u8 b, u8* out) {
-  out[0] = '=';
-  out[1] = static_cast<u8>("0123456789ABCDEF"[b >> 4]);
-  out[2] = static_cast<u8>("0123456789ABCDEF"[b & 15]);
-  return 3;
-}
-
-constexpr vk_simd::EscapeTable kTable =
-    vk_simd::escapeTableOf(isLiteral, [](u8 b, u8* out) { return writeEscape(b, out); });
+constexpr vk_simd::HexEscape kEscape = {vk_simd::byteSetOf(isLiteral), '='};
 
 class Encoder {
  public:
@@ -40,34 +34,54 @@ class Encoder {
   u8* encode(const u8* in, u32 n, bool last, u8* to) {
     in_ = in;
     n_ = n;
-    last_ = last;
     to_ = to;
     for (u32 i = 0; i < n;) {
-      if (isLineBreak(i)) {
-        hardBreak();
-        i += 2;
-      } else {
-        i += isLiteral(in[i]) ? putLiterals(i) : putEscapes(i);
-      }
+      const u32 end = lineBreak(i);
+      put(i, end, last || end < n);
+      if (end == n) break;
+      guardTrailingBlank();
+      lineEnd();
+      i = end + 2;
     }
     if (last) guardTrailingBlank();
     return to_;
   }
 
  private:
-  bool isLineBreak(u32 i) const { return in_[i] == '\r' && n_ - i >= 2 && in_[i + 1] == '\n'; }
-  bool isLineEnd(u32 i) const { return i == n_ ? last_ : isLineBreak(i); }
-
-  // Columns free for data that a soft break may follow.
-  u32 room() const { return limit_ - 1 - column_; }
-
-  void put(u8 b) {
-    __builtin_memcpy(to_, kTable.entry[b], 4);
-    const u32 length = kTable.entry[b][vk_simd::EscapeTable::kCount];
-    to_ += length;
-    column_ += length;
+  // Where the next CR LF stands at or behind `from`.
+  u32 lineBreak(u32 from) const {
+    while (from < n_) {
+      const void* const at = std::memchr(in_ + from, '\r', n_ - from);
+      if (!at) return n_;
+      from = static_cast<u32>(static_cast<const u8*>(at) - in_);
+      if (n_ - from >= 2 && in_[from + 1] == '\n') return from;
+      ++from;
+    }
+    return n_;
   }
 
+  // Puts in_[i, end), with soft breaks where they are due. Only what ends a line by itself may take the last column,
+  // where else the `=` would stand.
+  void put(u32 i, u32 end, bool endsLine) {
+    for (;;) {
+      const auto done = vk_simd::escapeHex(kEscape, in_ + i, end - i, limit_ - 1 - column_, to_);
+      i += done.bytes;
+      advance(done.chars);
+      if (i == end) return;
+      if (endsLine && end - i == 1 && widthOf(in_[i]) <= limit_ - column_) {
+        advance(vk_simd::escapeHex(kEscape, in_ + i, 1, limit_ - column_, to_).chars);
+        return;
+      }
+      softBreak();
+    }
+  }
+
+  static u32 widthOf(u8 b) { return isLiteral(b) ? 1 : 3; }
+
+  void advance(u32 chars) {
+    to_ += chars;
+    column_ += chars;
+  }
   void lineEnd() {
     *to_++ = '\r';
     *to_++ = '\n';
@@ -77,10 +91,6 @@ class Encoder {
     *to_++ = '=';
     lineEnd();
   }
-  void hardBreak() {
-    guardTrailingBlank();
-    lineEnd();
-  }
 
   // Takes back a blank that ended a line and escapes it.
   void guardTrailingBlank() {
@@ -88,63 +98,23 @@ class Encoder {
     const u8 blank = *--to_;
     --column_;
     if (limit_ - column_ < 3) softBreak();
-    writeEscapeOf(blank);
-  }
-  void writeEscapeOf(u8 blank) {
-    *to_++ = '=';
-    *to_++ = blank == ' ' ? u8{'2'} : u8{'0'};
-    *to_++ = blank == ' ' ? u8{'0'} : u8{'9'};
-    column_ += 3;
-  }
-
-  // Both return how many bytes they have consumed, which may be 0 after a soft break. The last column of a line is free
-  // for data only where the line ends by itself.
-  u32 putLiterals(u32 i) {
-    if (room() != 0) {
-      const u32 most = n_ - i < room() ? n_ - i : room();
-      const u32 run = vk_simd::copyRun(kTable.clean, in_ + i, most, to_);
-      to_ += run;
-      column_ += run;
-      return run;
-    }
-    if (!isLineEnd(i + 1)) {
-      softBreak();
-      return 0;
-    }
-    put(in_[i]);
-    return 1;
-  }
-
-  // Where one byte must be escaped others are near: each step takes what surely fits, literals included.
-  u32 putEscapes(u32 i) {
-    u32 most = room() / 3;
-    if (most == 0) {
-      if (room() != 2 || !isLineEnd(i + 1)) {
-        softBreak();
-        return 0;
-      }
-      most = 1;
-    }
-    const u32 end = n_ - i < most ? n_ : i + most;
-    u32 at = i;
-    do put(in_[at++]);
-    while (at < end && in_[at] != '\r');
-    return at - i;
+    to_[0] = '=';
+    to_[1] = blank == ' ' ? u8{'2'} : u8{'0'};
+    to_[2] = blank == ' ' ? u8{'0'} : u8{'9'};
+    advance(3);
   }
 
   const u8* in_ = nullptr;
   u8* to_ = nullptr;
   u32 n_ = 0, column_ = 0;
   const u32 limit_;
-  bool last_ = true;
 };
 
 // The most characters that `n` bytes become: three each, and a soft break for every line, which holds `limit` - 3
 // columns of them at least; one for every byte where lines are that short.
 u64 mostFor(u32 n, u32 limit) {
-  constexpr u32 kSlack = 8;
   const u64 breaks = limit < 12 ? n : u64{n} * 3 / (limit - 3) + 1;
-  return u64{n} * 3 + breaks * 3 + kSlack;
+  return u64{n} * 3 + breaks * 3 + 3 + vk_simd::kHexEscapeSlack;
 }
 
 // The end of a piece of about `size` bytes: between two bytes that can be encoded apart, so neither inside CR LF nor
@@ -160,72 +130,72 @@ u32 pieceEnd(const u8* data, u32 i, u32 n, u32 size) {
 
 constexpr vk_simd::ByteSet kPlain = vk_simd::byteSetOf([](u8 b) { return b != '=' && b != '\n'; });
 
+// White space at a line's end was added on the way (rule 3); a `=` before it is a soft break, but not at the end of the
+// text.
 class Decoder {
  public:
-  Decoder(const u8* text, u32 n, u8* to) : text_(text), n_(n), to_(to), raw_(to) {}
+  Decoder(const u8* text, u32 n, u8* to) : text_(text), n_(n), to_(to) {}
 
   u8* run() {
     while (i_ < n_) {
-      const u32 run = vk_simd::copyRun(kPlain, text_ + i_, n_ - i_, to_);
-      to_ += run;
-      i_ += run;
-      if (i_ == n_) break;
-      if (text_[i_] == '\n') {
-        lineEnd();
+      const u32 plain = i_ + vk_simd::copyRun(kPlain, text_ + i_, n_ - i_, to_);  // most lines hold no escape
+      if (plain == n_) {
+        to_ += withoutBlanks(n_) - i_;
+        break;
+      }
+      if (text_[plain] == '\n') {
+        const u32 end = contentEnd(plain);
+        to_ += end - i_;
+        lineBreak(plain);
       } else {
-        escapes();
+        to_ += plain - i_;
+        i_ = plain;
+        rest();
       }
     }
-    dropBlanks();
     return to_;
   }
 
  private:
-  // White space at a line's end was added on the way (rule 3). What an escape stood for stays.
-  void dropBlanks() {
-    while (to_ > raw_ && isBlank(to_[-1])) --to_;
+  u32 withoutBlanks(u32 end) const {
+    while (end > i_ && isBlank(text_[end - 1])) --end;
+    return end;
   }
 
-  void lineEnd() {
-    const bool pair = to_ > raw_ && to_[-1] == '\r';
-    if (pair) --to_;
-    dropBlanks();
-    if (pair) *to_++ = '\r';
+  bool isPair(u32 feed) const { return feed > i_ && text_[feed - 1] == '\r'; }
+
+  // Where what is left of the line that the LF at `feed` ends has its content's end.
+  u32 contentEnd(u32 feed) const { return withoutBlanks(isPair(feed) ? feed - 1 : feed); }
+
+  void lineBreak(u32 feed) {
+    if (isPair(feed)) *to_++ = '\r';
     *to_++ = '\n';
-    ++i_;
-    raw_ = to_;
+    i_ = feed + 1;
   }
 
-  void escapes() {
-    while (i_ < n_ && text_[i_] == '=' && (putByte() || softBreak())) {
+  // The rest of a line, which begins with a `=`.
+  void rest() {
+    const void* const at = std::memchr(text_ + i_, '\n', n_ - i_);
+    if (!at) {
+      put(withoutBlanks(n_));
+      i_ = n_;
+      return;
     }
-    raw_ = to_;
-    if (i_ < n_ && text_[i_] == '=') *to_++ = text_[i_++];  // begins no escape
+    const u32 feed = static_cast<u32>(static_cast<const u8*>(at) - text_), end = contentEnd(feed);
+    if (text_[end - 1] == '=') {
+      put(end - 1);
+      i_ = feed + 1;
+    } else {
+      put(end);
+      lineBreak(feed);
+    }
   }
 
-  bool putByte() {
-    if (n_ - i_ < 3) return false;
-    const u8 high = vk_simd::hexValue(text_[i_ + 1]), low = vk_simd::hexValue(text_[i_ + 2]);
-    if ((high | low) >= 16) return false;
-    *to_++ = static_cast<u8>(high << 4 | low);
-    i_ += 3;
-    return true;
-  }
-
-  // A `=` at the end of a line, blanks behind it included. At the end of the text it is no soft break.
-  bool softBreak() {
-    u32 at = i_ + 1;
-    while (at < n_ && (isBlank(text_[at]))) ++at;
-    if (n_ - at >= 2 && text_[at] == '\r' && text_[at + 1] == '\n') ++at;
-    if (at == n_ || text_[at] != '\n') return false;
-    i_ = at + 1;
-    return true;
-  }
+  void put(u32 end) { to_ += vk_simd::unescapeHex('=', text_ + i_, end - i_, n_ - i_, to_); }
 
   const u8* text_;
   u32 n_, i_ = 0;
   u8* to_;
-  u8* raw_;  // what lies before is not to be changed any more
 };
 
 }  // namespace
@@ -245,7 +215,7 @@ bool ContentEncoder::encodeQuotedPrintable(const u8* data, u32 n, StringBuffer& 
 
 DecodeResult vk_decodeQuotedPrintable(const char* text, u32 n, DataBuffer& out) {
   if (n == 0) return DecodeResult::good();
-  u8* const to = vk_codec::roomFor(out, n);
+  u8* const to = vk_codec::roomFor(out, u64{n} + vk_simd::kHexUnescapeSlack);
   if (!to) return DecodeResult::noMemory();
   Decoder decoder(vk_codec::asBytes(text), n, to);
   out.addToSize(static_cast<u32>(decoder.run() - to));

@@ -2,10 +2,10 @@
 
 #include "varnik/services/codecs/internal/Room.h"
 #include "varnik/services/memory/Text.h"
-#include "varnik/simd/Escape.h"
 #include "varnik/simd/HexEscape.h"
+#include "varnik/simd/HexUnescape.h"
 
-using vk_simd::EscapeTable;
+using vk_simd::HexEscape;
 
 namespace {
 
@@ -18,25 +18,18 @@ constexpr bool isIn(u8 b, const char* list) {
   return *list != 0;
 }
 
-// The table that leaves letters, digits and the characters of `unreserved` alone.
-constexpr EscapeTable percentTable(const char* unreserved) {
-  const auto isClean = [=](u8 b) { return isLetterOrDigit(b) || isIn(b, unreserved); };
-  const auto escape = [](u8 b, u8* out) {
-    out[0] = '%';
-    out[1] = static_cast<u8>("0123456789ABCDEF"[b >> 4]);
-    out[2] = static_cast<u8>("0123456789ABCDEF"[b & 15]);
-    return 3;
-  };
-  return vk_simd::escapeTableOf(isClean, escape);
+constexpr HexEscape percent(const char* unreserved) {
+  return {vk_simd::byteSetOf([=](u8 b) { return isLetterOrDigit(b) || isIn(b, unreserved); }), '%'};
 }
 
-constexpr EscapeTable kRfc3986 = percentTable("-._~");
-constexpr EscapeTable kRfc1738 = percentTable("$-_.+!*'(),");
-constexpr EscapeTable kRfc2396 = percentTable("-_.!~*'()");
+constexpr HexEscape kRfc3986 = percent("-._~");
+constexpr HexEscape kRfc1738 = percent("$-_.+!*'(),");
+constexpr HexEscape kRfc2396 = percent("-_.!~*'()");
 
-bool encode(const EscapeTable& table, const u8* data, u32 n, StringBuffer& out) {
-  return vk_codec::encodeInPieces(
-      data, n, 3, out, [&](const u8* from, u32 count, u8* to) { return vk_simd::escapeBytes(table, from, count, to); });
+bool encode(const HexEscape& how, const u8* data, u32 n, StringBuffer& out) {
+  return vk_codec::encodeInPieces(data, n, 3, out, [&](const u8* from, u32 count, u8* to) {
+    return vk_simd::escapeHex(how, from, count, 3 * count, to).chars;
+  });
 }
 
 }  // namespace
@@ -54,8 +47,8 @@ bool UrlCodec::encodeRfc2396(const u8* data, u32 n, StringBuffer& out) {
 bool UrlCodec::urlDecode(const char* text, DataBuffer& out) {
   const u32 n = vk_strlen(text);
   if (n == 0) return true;
-  u8* const to = vk_codec::roomFor(out, n);
+  u8* const to = vk_codec::roomFor(out, u64{n} + vk_simd::kHexUnescapeSlack);
   if (!to) return false;
-  out.addToSize(vk_simd::unescapeHex('%', vk_codec::asBytes(text), n, to));
+  out.addToSize(vk_simd::unescapeHex('%', vk_codec::asBytes(text), n, n, to));
   return true;
 }

@@ -1,4 +1,5 @@
 // JSON string escapes (RFC 8259 section 7).
+#include <cstring>
 #include <utility>
 
 #include "varnik/services/codecs/internal/DecodeResult.h"
@@ -6,7 +7,7 @@
 #include "varnik/services/codecs/internal/Room.h"
 #include "varnik/services/strings/StringBuffer.h"
 #include "varnik/simd/Escape.h"
-#include "varnik/simd/HexEscape.h"
+#include "varnik/simd/HexUnescape.h"
 
 namespace {
 
@@ -153,6 +154,18 @@ DecodeResult vk_decodeJson(const char* text, u32 n, StringBuffer& out) {
   Decoder decoder(vk_codec::asBytes(own ? out.getString() + offset : text), n, to);
   const DecodeResult result = decoder.run();
   out.addToSize(static_cast<u32>(decoder.end() - to));
+  return result;
+}
+
+DecodeResult vk_decodeJsonText(const char* text, u32 n, DataBuffer& out) {
+  if (n == 0) return DecodeResult::good();
+  u8* const to = vk_codec::roomFor(out, n);
+  if (!to) return DecodeResult::noMemory();
+  Decoder decoder(vk_codec::asBytes(text), n, to);
+  const DecodeResult result = decoder.run();
+  const std::size_t length = static_cast<std::size_t>(decoder.end() - to);
+  const void* const zero = std::memchr(to, 0, length);
+  out.addToSize(static_cast<u32>(zero ? static_cast<const u8*>(zero) - to : decoder.end() - to));
   return result;
 }
 

@@ -37,6 +37,8 @@ VARNIK_API DecodeResult vk_decodeUu(const char* text, u32 n, DataBuffer& out);  
 VARNIK_API DecodeResult vk_decodeQuotedPrintable(const char* text, u32 n, DataBuffer& out);  // QuotedPrintable.cpp
 /// JSON string escapes undone, as `StringBuffer::jsonDecode` does it; `out` is a string.
 VARNIK_API DecodeResult vk_decodeJson(const char* text, u32 n, StringBuffer& out);  // services/strings/JsonText.cpp
+/// The same into a buffer, up to the first zero byte: there a text ends.
+VARNIK_API DecodeResult vk_decodeJsonText(const char* text, u32 n, DataBuffer& out);  // services/strings/JsonText.cpp
 /// A list of decimal byte values, as `DataBuffer::appendDecList` reads it. `out` grows as single bytes make it grow;
 /// a byte that finds no memory is left out, which the answer does not tell.
 VARNIK_API DecodeResult vk_decodeDecList(const char* text, u32 n, DataBuffer& out);  // DecList.cpp

@@ -22,10 +22,10 @@ inline u8* roomFor(StringBuffer& out, u64 n) {
 
 /// Encodes long inputs piece by piece, so that no more than the worst case of one piece is reserved beyond what is
 /// written. `encode(from, n, to)` writes the text of a piece to `to` and returns its length; `perByte` is the most
-/// characters that a byte takes.
+/// characters that a byte takes. It may write 32 characters beyond the most that the piece takes.
 template <class Encode>
 bool encodeInPieces(const u8* data, u32 n, u32 perByte, StringBuffer& out, Encode encode) {
-  constexpr u32 kPiece = 1U << 24, kSlack = 8;
+  constexpr u32 kPiece = 1U << 24, kSlack = 32;
   for (u32 i = 0; i < n;) {
     const u32 piece = n - i < kPiece ? n - i : kPiece;
     u8* const to = roomFor(out, u64{piece} * perByte + kSlack);
