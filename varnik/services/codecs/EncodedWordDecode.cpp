@@ -93,8 +93,9 @@ class Decoder {
     WordFinder finder(text_, n_);
     Word word;
     for (u32 from = 0; finder.next(from, word); from = word.end) {
-      const s32 page = pageOf(word);
-      if (page == 0) {
+      StringBuffer charset;
+      if (!charset.appendN(text_ + word.charset, word.charsetEnd - word.charset)) return DecodeResult::noMemory();
+      if (const s32 page = pageOf(charset); page == 0) {
         fault(word.start);  // stays as it stands
       } else if (!take(word, page)) {
         return DecodeResult::noMemory();
@@ -110,12 +111,11 @@ class Decoder {
     if (at < firstBad_) firstBad_ = at;
   }
 
-  // The code page of a word's charset, 0 for one that is not known.
-  s32 pageOf(const Word& word) {
-    StringBuffer name;
-    if (!name.appendN(text_ + word.charset, word.charsetEnd - word.charset)) return 0;
-    name.toLowerCase();
-    return name.isEmpty() ? 0 : CharsetNames::codePageForName(name, &log_);
+  // The code page of a charset, 0 for one that is not known.
+  s32 pageOf(StringBuffer& charset) {
+    if (charset.isEmpty()) return 0;
+    charset.toLowerCase();
+    return CharsetNames::codePageForName(charset, &log_);
   }
 
   // Words of one charset that stand together are converted together: some mailers split a character.
