@@ -5,9 +5,16 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/varnik)
 
 install(TARGETS varnik EXPORT varnikTargets)
 if(TARGET vkbuf)
+  if(BUILD_SHARED_LIBS AND NOT IS_ABSOLUTE ${CMAKE_INSTALL_LIBDIR})
+    file(RELATIVE_PATH libdir_from_bin /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+    set_target_properties(vkbuf PROPERTIES INSTALL_RPATH "$ORIGIN/${libdir_from_bin}")
+  endif()
   install(TARGETS vkbuf EXPORT varnikTargets)
 endif()
-install(DIRECTORY varnik DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h" PATTERN "internal" EXCLUDE PATTERN "simd" EXCLUDE)
+# Folders without a public header would be made too, empty, so they are named.
+install(DIRECTORY varnik DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h"
+  PATTERN "internal" EXCLUDE
+  REGEX "/varnik/(encoding|files|padding|search|simd|text)$" EXCLUDE)
 
 install(EXPORT varnikTargets NAMESPACE varnik:: DESTINATION ${package_dir})
 configure_package_config_file(cmake/varnikConfig.cmake.in varnikConfig.cmake INSTALL_DESTINATION ${package_dir})

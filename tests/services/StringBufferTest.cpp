@@ -84,7 +84,8 @@ TEST(StringBuffer, HandsItsStorageOver) {
   StringBuffer copy(s), moved(std::move(s));
   EXPECT_TRUE(copy.equals("new") && moved.equals("new"));
   EXPECT_TRUE(s.isEmpty());  // NOLINT(bugprone-use-after-move): moved-from is empty
-  copy = copy, moved = std::move(copy);
+  const StringBuffer& itself = copy;
+  copy = itself, moved = std::move(copy);
   EXPECT_TRUE(moved.equals("new"));
 }
 
