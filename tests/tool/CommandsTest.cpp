@@ -228,3 +228,22 @@ TEST(Tool, RunsTheExamplesOfItsHelp) {
     EXPECT_GE(examples, 2) << command;
   }
 }
+
+// The README shows the program that is built and run, and what the tool answers.
+TEST(Tool, AnswersAsTheReadmeSays) {
+  const std::string readme = contentOf(TREE "/README.md"), program = contentOf(TREE "/examples/first.cpp");
+  EXPECT_NE(readme.find(program.substr(program.find('#'))), readme.npos);
+
+  const Desk desk;
+  desk.run("mkdir examples && ln -s .. examples/xml");
+  // As a terminal shows it: with a line feed at the end, and without the carriage returns.
+  std::istringstream session(readme.substr(readme.find("```console\n") + 11));
+  std::string line, shown, answers;
+  while (std::getline(session, line) && line != "```") {
+    shown += line + "\n";
+    if (!line.starts_with("$ ")) continue;
+    const Ran ran = desk.run(line.substr(2) + " | tr -d '\\r'");
+    answers += line + "\n" + ran.out + (ran.out.empty() || ran.out.ends_with('\n') ? "" : "\n") + ran.err;
+  }
+  EXPECT_EQ(answers, shown);
+}

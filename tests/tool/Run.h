@@ -27,7 +27,7 @@ class Desk {
     std::string pattern = (std::filesystem::temp_directory_path() / "vkbuf-test-XXXXXX").string();
     folder_ = mkdtemp(pattern.data());
     std::filesystem::create_directory(folder_ / "desk");
-    for (const auto& each : std::filesystem::directory_iterator(SAMPLES))
+    for (const auto& each : std::filesystem::directory_iterator(TREE "/examples/xml"))
       if (each.path().extension() == ".xml") std::filesystem::copy(each.path(), folder_ / "desk");
   }
   Desk(const Desk&) = delete;
