@@ -103,6 +103,7 @@ constexpr Row kChanges[] = {
     {"vkbuf convert --from utf8 --to windows-1252 -s 'ü€'", 0, "\xFC\x80"},
     {"vkbuf convert --from auto --to utf-16be --bom -s 'ü' | vkbuf encode hex", 0, "FEFF00FC"},
     {"printf '\\376\\377\\0a' | vkbuf convert --from utf-16 --to ascii", 0, "a"},
+    {"vkbuf convert --from UTF32 --to utf-8 utf32be-bom.xml | head -c 5", 0, "<?xml"},
     {"vkbuf convert --from utf-8 --to latin1 -s 'one\nЖ'", 1, "",
      "vkbuf: convert: 'Ж' at line 2 has no place in latin1\nhint: --substitute carries on with a substitute for it\n"},
     {"printf 'ok\\n\\303' | vkbuf convert --from utf-8 --to latin1", 1, "",

@@ -32,13 +32,15 @@ s32 lookedUp(const Job& job, const DataBuffer& data) {
 }
 
 s32 sourceOf(const Options& options, const DataBuffer& data) {
-  if (options.from == "auto") return lookedUp(options.job, data);
-  const s32 named = codePageOf(options.from);
-  // "utf-16" leaves the byte order open; the mark tells it.
-  if (named == kUtf16Le && markOf(data).codePage == kUtf16Be &&
-      StringBuffer(options.from.c_str()).equalsIgnoreCase("utf-16"))
-    return kUtf16Be;
-  return named;
+  return options.from == "auto" ? lookedUp(options.job, data) : codePageOf(options.from);
+}
+
+// Goes by the name where there is one: "utf-16" leaves the byte order to the mark, a code page does not.
+bool convertInput(const Options& options, s32 to, const DataBuffer& data, DataBuffer& out) {
+  if (options.from == "auto") return convertBytes(sourceOf(options, data), to, data.getData2(), data.size(), out);
+  StringBuffer name(options.from.c_str());
+  LogNull log;
+  return _vkEncodingConvert().ChConvert2(name, to, data.getData2(), data.size(), out, log);
 }
 
 // The first character of a UTF-8 text that a charset lacks, looked for line by line and then by character.
@@ -63,8 +65,9 @@ std::string firstUnwritable(s32 to, const DataBuffer& text) {
   return "a character";
 }
 
-[[noreturn]] void refuse(const Options& options, s32 from, s32 to, const DataBuffer& data) {
+[[noreturn]] void refuse(const Options& options, s32 to, const DataBuffer& data) {
   const char* const kHint = "--substitute carries on with a substitute for it";
+  const s32 from = sourceOf(options, data);
   DataBuffer text;
   if (from == kUtf8) {
     const u32 bad = firstBadUtf8(data.getData2(), data.size());
@@ -72,22 +75,20 @@ std::string firstUnwritable(s32 to, const DataBuffer& text) {
       options.job.refuse(nameOfByte(data.byteAt(bad)) + " at " + placeIn(data.getData2(), bad) + ", is no valid UTF-8",
                          kHint);
     text.append(data);
-  } else if (!convertBytes(from, kUtf8, data.getData2(), data.size(), text)) {
+  } else if (!convertInput(options, kUtf8, data, text)) {
     options.job.refuse("is no valid " + (options.from == "auto" ? charsetOf(from) : options.from), kHint);
   }
   options.job.refuse(firstUnwritable(to, text) + " has no place in " + options.to, kHint);
 }
 
 int convert(const Options& options, s32 to, DataBuffer& data) {
-  const s32 from = sourceOf(options, data);
   DataBuffer converted;
   if (options.mark) {
     const std::string_view mark = markBytes(to);
     if (mark.empty()) options.job.fail("--bom: " + options.to + " has no byte-order mark");
     converted.append(mark.data(), static_cast<u32>(mark.size()));
   }
-  if (!convertBytes(from, to, data.getData2(), data.size(), converted) && !options.substitute)
-    refuse(options, from, to, data);
+  if (!convertInput(options, to, data, converted) && !options.substitute) refuse(options, to, data);
   data.takeData(converted);
   return kDone;
 }
