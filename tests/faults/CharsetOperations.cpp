@@ -45,7 +45,6 @@ std::vector<Operation> charsetOperations() {
           }),
       extending("appendEncoded by charset",
                 [text](Scene& s) { return s.buffer.appendEncoded(text.c_str(), " KOI8-R "); }),
-      converting("euc-kr to gb18030", 51949, 54936, converted(51949, text)),
   };
   u32 count = 0;
   const vk_charset::CharsetInfo* const charsets = vk_charset::charsets(count);
@@ -53,6 +52,8 @@ std::vector<Operation> charsetOperations() {
     const s32 page = vk_charset::codePageOf(charsets[i].id);
     all.push_back(converting(std::string("to ") + charsets[i].name, kUtf8, page, text));
     all.push_back(converting(std::string("from ") + charsets[i].name, page, kUtf8, converted(page, text)));
+    const s32 next = vk_charset::codePageOf(charsets[(i + 1) % count].id);
+    all.push_back(converting(std::string("to the next of ") + charsets[i].name, page, next, converted(page, text)));
   }
   return all;
 }

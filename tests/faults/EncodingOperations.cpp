@@ -69,7 +69,7 @@ bool decodesAlwaysTrue(TextCodec codec) {
 std::vector<Operation> encodingOperations() {
   std::vector<Operation> all;
   for (const auto& row : vk_codec::encodingNames())
-    for (const u32 n : {1u, 60u, 9000u}) {
+    for (const u32 n : {1u, 60u, 900u, 3000u, 9000u}) {
       const std::string name = nameOf(row), bytes = sampleOf(n), text = encoded(name, bytes);
       Operation encode = extending(
           "encode " + name, [=](Scene& s) { return DataBuffer::encodeDB2(name.c_str(), bytesOf(bytes), n, s.text); });

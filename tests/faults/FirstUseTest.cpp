@@ -64,7 +64,7 @@ TEST(FirstUse, SurvivesEachRefusal) {
   u32 refusals = 0;
   for (const auto& row : kCalls)
     refusals += failEachAllocation([&](u32 i, bool forGood) {
-      const u32 k = 1 + (i - 1) * (soaks() ? 1 : 29);
+      const u32 k = 1 + (i - 1) * (soaks() ? 1 : 13);
       const pid_t child = fork();
       if (child == 0) _exit(tryIn(row, k, forGood));
       int status = 0;
