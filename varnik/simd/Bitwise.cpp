@@ -29,13 +29,13 @@ namespace {
 [[VARNIK_AVX2]] void xorBytesAvx2(u8* out, const u8* a, const u8* b, u32 n) {
   u32 i = 0;
   for (; n - i >= 32; i += 32) store(out + i, _mm256_xor_si256(load(a + i), load(b + i)));
-  xorBytesScalar(out + i, a + i, b + i, n - i);
+  if (i < n) xorBytesScalar(out + i, a + i, b + i, n - i);
 }
 
 [[VARNIK_AVX2]] void andBytesAvx2(u8* out, const u8* a, const u8* b, u32 n) {
   u32 i = 0;
   for (; n - i >= 32; i += 32) store(out + i, _mm256_and_si256(load(a + i), load(b + i)));
-  andBytesScalar(out + i, a + i, b + i, n - i);
+  if (i < n) andBytesScalar(out + i, a + i, b + i, n - i);
 }
 #endif
 

@@ -136,7 +136,10 @@ inline u32 mismatchShort(const u8* a, const u8* b, u32 n) {
     while (bits_ != 0) {
       const u32 at = block_ + static_cast<u32>(__builtin_ctzll(bits_));
       bits_ &= bits_ - 1;
-      if (at >= from && standsAt(at)) return at;
+      if (at < from) continue;
+      if (standsAt(at)) return at;
+      bits_ = 0;  // the other candidates of the block may fail the bytes that are looked at now
+      seen_ = at + 1;
     }
     if (seen_ == places_) return n_;
     lookOn();
@@ -154,6 +157,31 @@ inline u32 mismatchShort(const u8* a, const u8* b, u32 n) {
   }
   return i < places_ ? nextByPairs(i) : n_;
 }
+
+namespace {
+
+// Data so short that neither a call of memchr nor learning is worth its price: the pattern's ends at 32 places at once.
+// The last block ends where the places end; what it sees twice is no occurrence.
+[[VARNIK_AVX2]] u32 findShort(const u8* data, u32 n, const u8* pattern, u32 m) {
+  const u32 places = n - m + 1;
+  for (u32 i = 0;; i = places - i >= 64 ? i + 32 : places - 32) {
+    const __m256i ends = _mm256_and_si256(equalTo(data + i, pattern[0]), equalTo(data + i + m - 1, pattern[m - 1]));
+    for (u32 bits = bitsOf(ends); bits != 0; bits &= bits - 1) {
+      const u32 at = i + static_cast<u32>(__builtin_ctz(bits));
+      if ((m < 32 ? mismatchShort(data + at, pattern, m) : mismatchAvx2(data + at, pattern, m)) == m) return at;
+    }
+    if (i == places - 32) return n;
+  }
+}
+
+}  // namespace
+
+[[VARNIK_AVX2]] u32 findBytesAvx2(const u8* data, u32 n, const u8* pattern, u32 m) {
+  constexpr u32 kShort = 256;
+  const u32 others = n - m;
+  return others >= 31 && others < kShort ? findShort(data, n, pattern, m)
+                                         : BytesFinder(data, n, pattern, m).nextAvx2(0);
+}
 #endif
 
 u32 mismatch(const u8* a, const u8* b, u32 n) {
@@ -161,6 +189,13 @@ u32 mismatch(const u8* a, const u8* b, u32 n) {
   if (hasAvx2()) return mismatchAvx2(a, b, n);
 #endif
   return mismatchScalar(a, b, n);
+}
+
+u32 findBytes(const u8* data, u32 n, const u8* pattern, u32 m) {
+#if VARNIK_HAVE_AVX2
+  if (hasAvx2()) return findBytesAvx2(data, n, pattern, m);
+#endif
+  return findBytesScalar(data, n, pattern, m);
 }
 
 u32 BytesFinder::next(u32 from) {

@@ -44,21 +44,20 @@ class BytesFinder {
 };
 
 /// Returns the index of the first occurrence, or `n`. REQUIRES: 1 <= m <= n.
-inline u32 findBytes(const u8* data, u32 n, const u8* pattern, u32 m) {
-  return BytesFinder(data, n, pattern, m).next(0);
-}
+u32 findBytes(const u8* data, u32 n, const u8* pattern, u32 m);
+
 inline u32 findBytesScalar(const u8* data, u32 n, const u8* pattern, u32 m) {
   return BytesFinder(data, n, pattern, m).nextScalar(0);
 }
+#if VARNIK_HAVE_AVX2
+u32 findBytesAvx2(const u8* data, u32 n, const u8* pattern, u32 m);
+#endif
 
 /// Returns the index of the first byte at which a[0, n) and b[0, n) differ, or `n` when they are equal.
 u32 mismatch(const u8* a, const u8* b, u32 n);
 
 u32 mismatchScalar(const u8* a, const u8* b, u32 n);
 #if VARNIK_HAVE_AVX2
-inline u32 findBytesAvx2(const u8* data, u32 n, const u8* pattern, u32 m) {
-  return BytesFinder(data, n, pattern, m).nextAvx2(0);
-}
 u32 mismatchAvx2(const u8* a, const u8* b, u32 n);
 #endif
 

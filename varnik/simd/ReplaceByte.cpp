@@ -11,15 +11,28 @@ void replaceByteScalar(u8* data, u32 n, u8 from, u8 to) {
 }
 
 #if VARNIK_HAVE_AVX2
+namespace {
+
+[[VARNIK_AVX2]] inline void replace32(u8* data, __m256i from, __m256i to) {
+  auto* const at = reinterpret_cast<__m256i*>(data);
+  const __m256i block = _mm256_loadu_si256(at);
+  _mm256_storeu_si256(at, _mm256_blendv_epi8(block, to, _mm256_cmpeq_epi8(block, from)));
+}
+
+}  // namespace
+
 [[VARNIK_AVX2]] void replaceByteAvx2(u8* data, u32 n, u8 from, u8 to) {
   const __m256i old = _mm256_set1_epi8(static_cast<char>(from)), now = _mm256_set1_epi8(static_cast<char>(to));
   u32 i = 0;
-  for (; n - i >= 32; i += 32) {
-    auto* const at = reinterpret_cast<__m256i*>(data + i);
-    const __m256i block = _mm256_loadu_si256(at);
-    _mm256_storeu_si256(at, _mm256_blendv_epi8(block, now, _mm256_cmpeq_epi8(block, old)));
+  for (; n - i >= 64; i += 64) {
+    replace32(data + i, old, now);
+    replace32(data + i + 32, old, now);
   }
-  replaceByteScalar(data + i, n - i, from, to);
+  if (n - i >= 32) {
+    replace32(data + i, old, now);
+    i += 32;
+  }
+  if (i < n) replaceByteScalar(data + i, n - i, from, to);
 }
 #endif
 

@@ -21,16 +21,10 @@ inline constexpr auto kStaying = [] {
   return table;
 }();
 
-// Writes the bytes of the low half of `eight` that stay; returns how many. Eight bytes are stored whatever stays.
-[[VARNIK_AVX2]] inline u32 putStaying8(u8* out, __m128i eight, u32 going) {
+// Writes the bytes of the low half of `eight` that stay; eight bytes are stored whatever stays.
+[[VARNIK_AVX2]] inline void putStaying8(u8* out, __m128i eight, u32 going) {
   const __m128i order = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(kStaying[going].data()));
   _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_shuffle_epi8(eight, order));
-  return 8 - static_cast<u32>(__builtin_popcount(going));
-}
-
-[[VARNIK_AVX2]] inline u32 putStaying16(u8* out, __m128i sixteen, u32 going) {
-  const u32 kept = putStaying8(out, sixteen, going & 0xFF);
-  return kept + putStaying8(out + kept, _mm_unpackhi_epi64(sixteen, sixteen), going >> 8);
 }
 
 // The block with byte `gone` closed up; with 32, all of it.
@@ -51,8 +45,13 @@ inline constexpr auto kStaying = [] {
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), closeUp(block, gone));
     return 32 - count;
   }
-  const u32 kept = putStaying16(out, _mm256_castsi256_si128(block), going & 0xFFFF);
-  return kept + putStaying16(out + kept, _mm256_extracti128_si256(block, 1), going >> 16);
+  // Each quarter's place follows from one count, not from the quarter before it.
+  const __m128i low = _mm256_castsi256_si128(block), high = _mm256_extracti128_si256(block, 1);
+  putStaying8(out, low, going & 0xFF);
+  putStaying8(out + 8 - __builtin_popcount(going & 0xFF), _mm_unpackhi_epi64(low, low), going >> 8 & 0xFF);
+  putStaying8(out + 16 - __builtin_popcount(going & 0xFFFF), high, going >> 16 & 0xFF);
+  putStaying8(out + 24 - __builtin_popcount(going & 0xFFFFFF), _mm_unpackhi_epi64(high, high), going >> 24);
+  return 32 - static_cast<u32>(__builtin_popcount(going));
 }
 
 }  // namespace vk_simd
