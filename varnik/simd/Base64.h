@@ -1,6 +1,8 @@
 // base64 (RFC 4648 sections 4 and 5). Input and output do not overlap.
 #pragma once
 
+#include <string_view>
+
 #include "varnik/services/memory/Types.h"
 #include "varnik/simd/Cpu.h"
 
@@ -25,20 +27,19 @@ void base64EncodeLines(const u8* in, u32 n, u32 lineBytes, const LineEnd& end, c
 u32 base64Decode(const char* in, u32 n, bool url, u8* out);
 
 /// Writes the bytes of the lines at the front of in[0, n) that are `lineChars` characters of the standard alphabet and
-/// then the same end of `endChars` characters as the first line's; returns how many lines that were. What lies behind
-/// their bytes, as far as all `n` characters would reach, is undefined then. REQUIRES: a `lineChars` that is a multiple
-/// of 4, above 0; an `endChars` of 1 or 2.
-u32 base64DecodeLines(const char* in, u32 n, u32 lineChars, u32 endChars, u8* out);
+/// then `end`; returns how many lines that were. What lies behind their bytes, as far as all `n` characters would
+/// reach, is undefined then. REQUIRES: a `lineChars` that is a multiple of 4, above 0; an `end` of 1 or 2 characters.
+u32 base64DecodeLines(const char* in, u32 n, u32 lineChars, std::string_view end, u8* out);
 
 void base64EncodeScalar(const u8* in, u32 n, bool url, char* out);
 void base64EncodeLinesScalar(const u8* in, u32 n, u32 lineBytes, const LineEnd& end, char* out);
 u32 base64DecodeScalar(const char* in, u32 n, bool url, u8* out);
-u32 base64DecodeLinesScalar(const char* in, u32 n, u32 lineChars, u32 endChars, u8* out);
+u32 base64DecodeLinesScalar(const char* in, u32 n, u32 lineChars, std::string_view end, u8* out);
 #if VARNIK_HAVE_AVX2
 void base64EncodeAvx2(const u8* in, u32 n, bool url, char* out);
 void base64EncodeLinesAvx2(const u8* in, u32 n, u32 lineBytes, const LineEnd& end, char* out);
 u32 base64DecodeAvx2(const char* in, u32 n, bool url, u8* out);
-u32 base64DecodeLinesAvx2(const char* in, u32 n, u32 lineChars, u32 endChars, u8* out);
+u32 base64DecodeLinesAvx2(const char* in, u32 n, u32 lineChars, std::string_view end, u8* out);
 #endif
 
 }  // namespace vk_simd

@@ -24,10 +24,13 @@ s32 valueOf(char character, bool url) {
   return v;
 }
 
-// Line ends of one or two characters.
-inline bool sameEnd(const char* a, const char* b, u32 n) {
-  return a[0] == b[0] && a[n - 1] == b[n - 1];
-}
+// The end of a line, one or two characters, held where no store of bytes can be thought to change it.
+struct End {
+  explicit End(std::string_view text) : first(text.front()), last(text.back()), length(static_cast<u32>(text.size())) {}
+  bool standsAt(const char* at) const { return at[0] == first && at[length - 1] == last; }
+  char first, last;
+  u32 length;
+};
 
 }  // namespace
 
@@ -45,12 +48,12 @@ u32 base64DecodeScalar(const char* in, u32 n, bool url, u8* out) {
   return i;
 }
 
-u32 base64DecodeLinesScalar(const char* in, u32 n, u32 lineChars, u32 endChars, u8* out) {
+u32 base64DecodeLinesScalar(const char* in, u32 n, u32 lineChars, std::string_view end, u8* out) {
+  const End lineEnd(end);
+  const u32 length = lineChars + lineEnd.length;
   u32 lines = 0;
-  for (const char* end = in + lineChars; n >= lineChars + endChars; ++lines) {
-    if (!sameEnd(in + lineChars, end, endChars) || base64DecodeScalar(in, lineChars, false, out) != lineChars) break;
-    in += lineChars + endChars, n -= lineChars + endChars, out += lineChars / 4 * 3;
-  }
+  for (; n >= length; n -= length, in += length, out += lineChars / 4 * 3, ++lines)
+    if (!lineEnd.standsAt(in + lineChars) || base64DecodeScalar(in, lineChars, false, out) != lineChars) break;
   return lines;
 }
 
@@ -208,8 +211,9 @@ template <bool url>
   }
 }
 
-// One line of at least a block, stored exactly. Looks for faults only when all is stored.
-[[VARNIK_AVX2]] inline bool decodeLine(const char* in, u32 n, u8* out) {
+// One line of at least a block, stored exactly; the last block overlaps the one before it. Looks for faults only when
+// all is stored.
+[[VARNIK_AVX2]] inline __attribute__((always_inline)) bool decodeLine(const char* in, u32 n, u8* out) {
   __m256i faults = _mm256_setzero_si256();
   for (u32 i = 0; i < n; i += kBlockChars) {
     const u32 at = n - i < kBlockChars ? n - kBlockChars : i;
@@ -227,22 +231,25 @@ template <bool url>
   return url ? decodeUrl(in, n, out) : decodeRun<false>(in, n, out);
 }
 
-[[VARNIK_AVX2]] u32 base64DecodeLinesAvx2(const char* in, u32 n, u32 lineChars, u32 endChars, u8* out) {
-  if (lineChars < kBlockChars) return base64DecodeLinesScalar(in, n, lineChars, endChars, out);
+[[VARNIK_AVX2]] u32 base64DecodeLinesAvx2(const char* in, u32 n, u32 lineChars, std::string_view end, u8* out) {
+  constexpr u32 kUsual = 76;  // known to the compiler, it takes no loop
+  if (lineChars < kBlockChars) return base64DecodeLinesScalar(in, n, lineChars, end, out);
+  const End lineEnd(end);
+  const u32 length = lineChars + lineEnd.length;
   u32 lines = 0;
-  for (const char* end = in + lineChars; n >= lineChars + endChars; ++lines) {
-    if (!sameEnd(in + lineChars, end, endChars) || !decodeLine(in, lineChars, out)) break;
-    in += lineChars + endChars, n -= lineChars + endChars, out += lineChars / 4 * 3;
+  for (; n >= length; n -= length, in += length, out += lineChars / 4 * 3, ++lines) {
+    if (!lineEnd.standsAt(in + lineChars)) break;
+    if (!(lineChars == kUsual ? decodeLine(in, kUsual, out) : decodeLine(in, lineChars, out))) break;
   }
   return lines;
 }
 #endif
 
-u32 base64DecodeLines(const char* in, u32 n, u32 lineChars, u32 endChars, u8* out) {
+u32 base64DecodeLines(const char* in, u32 n, u32 lineChars, std::string_view end, u8* out) {
 #if VARNIK_HAVE_AVX2
-  if (hasAvx2()) return base64DecodeLinesAvx2(in, n, lineChars, endChars, out);
+  if (hasAvx2()) return base64DecodeLinesAvx2(in, n, lineChars, end, out);
 #endif
-  return base64DecodeLinesScalar(in, n, lineChars, endChars, out);
+  return base64DecodeLinesScalar(in, n, lineChars, end, out);
 }
 
 u32 base64Decode(const char* in, u32 n, bool url, u8* out) {

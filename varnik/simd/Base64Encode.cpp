@@ -162,23 +162,23 @@ template <char first, char second>
   encodeLine(in, n, offset, out);
 }
 
-// While another line follows, its first characters may take what is stored behind a line's end.
+// The first line has no bytes before it, and the last ones not a whole block behind them. While another line follows,
+// its first characters may take what is stored behind a line's end.
 [[VARNIK_AVX2]] void base64EncodeLinesAvx2(const u8* in, u32 n, u32 lineBytes, const LineEnd& end, char* out) {
   if (lineBytes < kBlockBytes) return base64EncodeLinesScalar(in, n, lineBytes, end, out);
   const __m256i offset = offsets(false);
+  const LineEnd lineEnd = end;  // no store of characters can be thought to change it
   const u32 lineChars = lineBytes / 3 * 4;
   bool inner = false;
-  for (; n > lineBytes + kBlockBytes; in += lineBytes, n -= lineBytes, out += lineChars + end.length, inner = true) {
-    if (inner) {
-      encodeInnerLine(in, lineBytes, offset, out);
-    } else {
-      encodeLine(in, lineBytes, offset, out);
+  for (; n > lineBytes; in += lineBytes, n -= lineBytes, out += lineChars + lineEnd.length, inner = true) {
+    if (!inner || n - lineBytes < kBlockBytes) {
+      encodeLastLine(base64EncodeAvx2, in, lineBytes, lineEnd, out);
+      continue;
     }
-    std::memcpy(out + lineChars, end.text, sizeof end.text);
+    encodeInnerLine(in, lineBytes, offset, out);
+    std::memcpy(out + lineChars, lineEnd.text, sizeof lineEnd.text);
   }
-  for (; n > lineBytes; in += lineBytes, n -= lineBytes, out += lineChars + end.length)
-    encodeLastLine(base64EncodeAvx2, in, lineBytes, end, out);
-  encodeLastLine(base64EncodeAvx2, in, n, end, out);
+  encodeLastLine(base64EncodeAvx2, in, n, lineEnd, out);
 }
 #endif
 

@@ -17,8 +17,9 @@ u32 referenceLength(const char* text, u32 n) {
              : 0;
 }
 
-// One run over a text. What the kernels take straight from the text is decoded there, up to the first white space and
-// then line by line; from where they stop, the text is gathered piece by piece without its white space.
+// One run over a text. White space that stands between groups only parts the text into runs, which the kernels take
+// straight from there, equal lines all at once. From anything else on, the text is gathered piece by piece without its
+// white space.
 class Decoding {
  public:
   // `to` has room for the bytes of all `n` characters, a group that is not whole counted whole.
@@ -30,11 +31,14 @@ class Decoding {
  private:
   static constexpr u32 kPiece = 4096, kMostChars = 8, kMostBytes = 5;  // the largest group
 
-  void decodeCleanFront();
-  void decodeLines();
+  bool decodeRuns();
+  void decodeLines(u32 length);
+  void count(u32 chars);
+  bool decodeTail(u32 end);
   bool decodeHeld();
   bool decodeLastGroup();
   DecodeResult skipPadding();
+  void skipWhiteSpace();
   u32 skippedAt(u32 at) const;
   bool isKnown(char c) const;
   u32 offsetOf(u32 significant) const;
@@ -51,43 +55,58 @@ class Decoding {
   char held_[kPiece + vk_simd::kGatherSlack];  // characters that count, read and not yet decoded
 };
 
-// Padding at the very end is kept from the kernel, which would leave a whole block for its sake. Where less than a
-// group stands before it, the text is as good as done.
-void Decoding::decodeCleanFront() {
-  u32 end = n_;
-  while (end != 0 && n_ - end < f_.mostPadding && text_[end - 1] == '=') --end;
-  at_ = decoded_ = f_.decode(text_, end, to_);
-  written_ = decoded_ / f_.chars * f_.bytes;
-  if (end - at_ >= f_.chars) return;
-  const u32 front = at_;
-  while (at_ != end) held_[numHeld_++] = text_[at_++];
-  if (decodeLastGroup()) return;
-  at_ = front;  // white space, a reference or a fault: the long way will tell
-  numHeld_ = 0;
+void Decoding::count(u32 chars) {
+  decoded_ += chars;
+  written_ += chars / f_.chars * f_.bytes;
 }
 
-// Lines as encoders write them: all of one length, whole groups, each ended by one or two characters.
-void Decoding::decodeLines() {
-  constexpr u32 kShortest = 32, kLongest = 1024;  // others are gathered as well
+void Decoding::skipWhiteSpace() {
   while (at_ < n_ && vk_simd::isWhiteSpace(text_[at_])) ++at_;
-  const u32 most = std::min(n_ - at_, kLongest);
-  const char* const line = text_ + at_;
-  u32 length = 0, end = 0;
-  while (length < most && !vk_simd::isWhiteSpace(line[length])) ++length;
-  while (end < 2 && length + end < most && vk_simd::isWhiteSpace(line[length + end])) ++end;
-  if (length < kShortest || length % f_.chars != 0 || end == 0) return;
-  const u32 lines = f_.decodeLines(line, n_ - at_, length, end, to_ + written_);
-  at_ += lines * (length + end);
-  decoded_ += lines * length;
-  written_ += lines * (length / f_.chars * f_.bytes);
+}
+
+// Padding at the very end is kept from the kernels, which would leave a whole block for its sake. True when only that
+// is left to be looked at.
+bool Decoding::decodeRuns() {
+  constexpr u32 kWorthARun = 16, kMostAtEnd = 8;
+  u32 end = n_;
+  while (end != 0 && n_ - end < kMostAtEnd && (text_[end - 1] == '=' || vk_simd::isWhiteSpace(text_[end - 1]))) --end;
+  for (bool first = true;; first = false) {
+    skipWhiteSpace();
+    if (at_ >= end) return true;
+    const u32 used = f_.decode(text_ + at_, end - at_, to_ + written_);
+    at_ += used;
+    count(used);
+    if (end - at_ < f_.chars) return decodeTail(end);
+    if (used < kWorthARun || !vk_simd::isWhiteSpace(text_[at_])) return false;
+    if (first && f_.decodeLines) decodeLines(used);
+  }
+}
+
+// Lines as encoders write them: the first one, which ends here, tells their length and their end.
+void Decoding::decodeLines(u32 length) {
+  const char* const end = text_ + at_;
+  const u32 endChars = n_ - at_ > 1 && vk_simd::isWhiteSpace(end[1]) ? 2 : 1;
+  at_ += endChars;
+  const u32 lines = f_.decodeLines(text_ + at_, n_ - at_, length, {end, endChars}, to_ + written_);
+  at_ += lines * (length + endChars);
+  count(lines * length);
+}
+
+// Less than a group is left before the padding.
+bool Decoding::decodeTail(u32 end) {
+  const u32 begin = at_;
+  while (at_ != end) held_[numHeld_++] = text_[at_++];
+  if (decodeLastGroup()) return true;
+  at_ = begin;  // white space or a fault: the long way will tell
+  numHeld_ = 0;
+  return false;
 }
 
 // False when a whole group is held that holds a character outside the alphabet.
 bool Decoding::decodeHeld() {
   if (numHeld_ < f_.chars) return true;
   const u32 used = f_.decode(held_, numHeld_, to_ + written_);
-  decoded_ += used;
-  written_ += used / f_.chars * f_.bytes;
+  count(used);
   numHeld_ -= used;
   std::memmove(held_, held_ + used, numHeld_);
   return numHeld_ < f_.chars;
@@ -155,8 +174,7 @@ DecodeResult Decoding::skipPadding() {
 }
 
 DecodeResult Decoding::run() {
-  decodeCleanFront();
-  if (f_.decodeLines && at_ < n_) decodeLines();
+  if (decodeRuns()) return skipPadding();
   while (at_ < n_) {
     u32 gathered = 0;
     at_ += vk_simd::gatherText(text_ + at_, n_ - at_, held_ + numHeld_, kPiece - numHeld_, gathered);

@@ -1,6 +1,8 @@
 // The decoder that hex, base32 and base64 share: text in groups of characters with the same number of bits each.
 #pragma once
 
+#include <string_view>
+
 #include "varnik/services/codecs/internal/DecodeResult.h"
 
 namespace vk_codec {
@@ -15,7 +17,7 @@ struct GroupFormat {
   /// Decodes whole groups from the front and returns how many characters they were, as the kernels of `simd/` do.
   u32 (*decode)(const char* in, u32 n, u8* out);
   /// Decodes lines of one length from the front and returns how many; null for a format that is not written in lines.
-  u32 (*decodeLines)(const char* in, u32 n, u32 lineChars, u32 endChars, u8* out);
+  u32 (*decodeLines)(const char* in, u32 n, u32 lineChars, std::string_view end, u8* out);
 };
 
 /// Appends what `n` characters of text stand for. White space is skipped wherever it stands, padding may be missing; a
