@@ -2,6 +2,7 @@
 // of up to 64 bytes are converted here, without allocation; longer ones by the conversions of large numbers, as the
 // plain way takes quadratic time. The time taken depends on the content.
 #include <array>
+#include <bit>
 
 #include "varnik/services/codecs/ContentEncoder.h"
 #include "varnik/services/codecs/internal/DecodeResult.h"
@@ -12,7 +13,8 @@
 namespace {
 
 constexpr char kDigits[] = "123456789ABCDEFGHJKLMNPQRSTUVWXYZabcdefghijkmnopqrstuvwxyz";
-constexpr u32 kBase = 58;
+constexpr u32 kBase = 58, kSquare = kBase * kBase;
+__extension__ using Wide = unsigned __int128;
 constexpr u8 kNoDigit = 0xFF, kSkipped = 0xFE;
 
 constexpr std::array<u8, 256> kValues = [] {
@@ -27,6 +29,7 @@ constexpr std::array<u8, 256> kValues = [] {
 constexpr u32 kSmallBytes = 64;
 constexpr u32 kSmallDigits = 88;      // 58^88 is above 2^512
 constexpr u32 kPower5 = 656'356'768;  // 58^5, the most that fits a 32-bit limb
+constexpr u64 kPower10 = u64{kPower5} * kPower5;
 
 // More digits than the limbs of `n` bytes have: a byte has 8 / log2(58) = 1.3658 of them.
 constexpr u64 mostDigits(u32 n) {
@@ -35,35 +38,77 @@ constexpr u64 mostDigits(u32 n) {
 
 // ---- Encoding ----
 
-// Writes the raw digits of data[0, n), n up to 64, backwards from `end`; returns the first one, no leading zero.
-u8* smallDigits(const u8* data, u32 n, u8* end) {
-  u32 limbs[kSmallBytes / 4] = {};  // most significant first
-  const u32 count = (n + 3) / 4;
-  for (u32 i = 0; i < n; ++i) {
-    u32& limb = limbs[count - 1 - (n - 1 - i) / 4];
-    limb = limb << 8 | data[i];
+// The two characters of each number below 58 squared.
+struct Pair {
+  u8 high, low;
+};
+constexpr std::array<Pair, kSquare> kPairs = [] {
+  std::array<Pair, kSquare> pairs{};
+  for (u32 i = 0; i < kSquare; ++i)
+    pairs[i] = {static_cast<u8>(kDigits[i / kBase]), static_cast<u8>(kDigits[i % kBase])};
+  return pairs;
+}();
+
+// Division of (rest, next), 128 bits, by 58^10 with its reciprocal ("Improved division by invariant integers", 2011,
+// algorithm 4). The divisor is shifted until its highest bit is set, the rest likewise; rest < divisor.
+constexpr u32 kShift = static_cast<u32>(std::countl_zero(kPower10));
+constexpr u64 kDivisor = kPower10 << kShift;
+constexpr u64 kReciprocal = static_cast<u64>(~Wide{0} / kDivisor);  // less 2^64, which the conversion drops
+
+u64 divide(u64& rest, u64 next) {
+  const Wide estimate = Wide{kReciprocal} * rest + (Wide{rest} << 64 | next);
+  u64 quotient = static_cast<u64>(estimate >> 64) + 1;
+  rest = next - quotient * kDivisor;
+  if (rest > static_cast<u64>(estimate)) {
+    --quotient;
+    rest += kDivisor;
   }
-  u8* p = end;
-  for (u32 first = 0; first < count;) {
-    u64 rest = 0;
-    for (u32 i = first; i < count; ++i) {
-      rest = rest << 32 | limbs[i];
-      limbs[i] = static_cast<u32>(rest / kPower5);
-      rest %= kPower5;
-    }
-    for (u32 k = 0; k < 5; ++k, rest /= kBase) *--p = static_cast<u8>(rest % kBase);
-    while (first < count && limbs[first] == 0) ++first;
+  if (rest >= kDivisor) [[unlikely]] {
+    ++quotient;
+    rest -= kDivisor;
   }
-  while (p < end && *p == 0) ++p;
-  return p;
+  return quotient;
 }
 
+// Divides the number in `count` limbs, least significant first, by 58^10 and returns the rest.
+u64 divideLimbs(u64* limbs, u32 count) {
+  u64 rest = limbs[count - 1] >> (64 - kShift);
+  for (u32 i = count; i-- != 0;) {
+    const u64 below = i != 0 ? limbs[i - 1] >> (64 - kShift) : 0;
+    limbs[i] = divide(rest, limbs[i] << kShift | below);
+  }
+  return rest >> kShift;
+}
+
+// Writes the five characters of a number below 58^5 before `end`.
+u8* putFive(u32 value, u8* end) {
+  const u32 upper = value / kSquare;
+  const Pair low = kPairs[value % kSquare], high = kPairs[upper % kSquare];
+  end[-5] = static_cast<u8>(kDigits[upper / kSquare]);
+  end[-4] = high.high;
+  end[-3] = high.low;
+  end[-2] = low.high;
+  end[-1] = low.low;
+  return end - 5;
+}
+
+// Writes the characters of up to 64 bytes, the first not zero. How many rounds there are, and which limbs each touches,
+// follows from `n` alone: a round takes more than 58 bits away.
 u32 putSmall(const u8* data, u32 n, u8* to) {
-  u8 digits[kSmallDigits + 5];
-  const u8* const end = digits + sizeof digits;
-  const u8* const first = smallDigits(data, n, digits + sizeof digits);
-  for (const u8* p = first; p < end; ++p) *to++ = static_cast<u8>(kDigits[*p]);
-  return static_cast<u32>(end - first);
+  constexpr u32 kRoundBits = 58;
+  u64 limbs[kSmallBytes / 8];
+  u8 chars[kSmallDigits + 12];
+  vk_num::bytesToLimbs(data, n, limbs);
+  u8* p = chars + sizeof chars;
+  for (s32 bits = static_cast<s32>(8 * n); bits > 0; bits -= kRoundBits) {
+    const u64 rest = divideLimbs(limbs, (static_cast<u32>(bits) + 63) / 64);
+    p = putFive(static_cast<u32>(rest % kPower5), p);
+    p = putFive(static_cast<u32>(rest / kPower5), p);
+  }
+  while (*p == kDigits[0]) ++p;
+  const u32 length = static_cast<u32>(chars + sizeof chars - p);
+  vk_memcpy(to, p, length);
+  return length;
 }
 
 u32 putLarge(const u8* data, u32 n, u8* to) {
@@ -78,9 +123,8 @@ u32 putLarge(const u8* data, u32 n, u8* to) {
 
 // Multiplies the number by `factor` and adds `more`. REQUIRES: room for the limb that may come to it.
 void multiplyAdd(u64* limbs, u32& count, u64 factor, u64 more) {
-  __extension__ using Product = unsigned __int128;
   for (u32 i = 0; i < count; ++i) {
-    const Product product = Product{limbs[i]} * factor + more;
+    const Wide product = Wide{limbs[i]} * factor + more;
     limbs[i] = static_cast<u64>(product);
     more = static_cast<u64>(product >> 64);
   }
@@ -97,11 +141,11 @@ class Number {
  private:
   bool appendSmall() {
     u64 limbs[(kSmallDigits + 9) / 10] = {};
-    u32 count = 0;
-    for (u32 i = 0; i < n_;) {
-      u64 group = 0, power = 1;
-      for (const u32 end = n_ - i < 10 ? n_ : i + 10; i < end; ++i, power *= kBase) group = group * kBase + digits_[i];
-      multiplyAdd(limbs, count, power, group);
+    u32 count = 0, i = 0;
+    for (u32 end = n_ % 10; i < n_; end += 10) {  // whole groups of ten at the end
+      u64 group = 0;
+      for (; i < end; ++i) group = group * kBase + digits_[i];
+      multiplyAdd(limbs, count, kPower10, group);
     }
     return appendLimbs(limbs, count);
   }
@@ -152,16 +196,20 @@ DecodeResult vk_decodeBase58(const char* text, u32 n, DataBuffer& out) {
   std::unique_ptr<u8[]> large;
   if (n > sizeof small && !(large = std::unique_ptr<u8[]>(allocByteArray(n)))) return DecodeResult::noMemory();
   u8* const digits = large ? large.get() : small;
-  u32 zeros = 0, count = 0;
-  for (u32 i = 0; i < n; ++i) {
-    const u8 value = kValues[static_cast<u8>(text[i])];
-    if (value == kNoDigit) return DecodeResult::fault(i);  // no byte is known before the last digit
-    if (value == kSkipped) continue;
-    if (value == 0 && count == 0) {
-      ++zeros;
-    } else {
-      digits[count++] = value;
-    }
+  const u8* const chars = vk_codec::asBytes(text);
+  u32 zeros = 0, count = 0, i = 0;
+  u8 worst = 0;
+  for (; i < n && (kValues[chars[i]] == 0 || kValues[chars[i]] == kSkipped); ++i)
+    zeros += kValues[chars[i]] == 0 ? 1 : 0;
+  for (; i < n; ++i) {
+    const u8 value = kValues[chars[i]];
+    digits[count] = value;
+    count += value < kBase ? 1 : 0;
+    worst = value > worst ? value : worst;
+  }
+  if (worst == kNoDigit) {  // no byte is known before the last digit
+    for (i = 0; kValues[chars[i]] != kNoDigit;) ++i;
+    return DecodeResult::fault(i);
   }
   return Number(digits, count, zeros, out).append() ? DecodeResult::good() : DecodeResult::noMemory();
 }
