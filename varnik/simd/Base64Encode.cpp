@@ -162,22 +162,23 @@ template <char first, char second>
   encodeLine(in, n, offset, out);
 }
 
-// The first line has no bytes before it, and the last ones not a whole block behind them. While another line follows,
+// The first line has no bytes before it, and the last ones have no whole block behind them. While another line follows,
 // its first characters may take what is stored behind a line's end.
 [[VARNIK_AVX2]] void base64EncodeLinesAvx2(const u8* in, u32 n, u32 lineBytes, const LineEnd& end, char* out) {
   if (lineBytes < kBlockBytes) return base64EncodeLinesScalar(in, n, lineBytes, end, out);
   const __m256i offset = offsets(false);
   const LineEnd lineEnd = end;  // no store of characters can be thought to change it
-  const u32 lineChars = lineBytes / 3 * 4;
-  bool inner = false;
-  for (; n > lineBytes; in += lineBytes, n -= lineBytes, out += lineChars + lineEnd.length, inner = true) {
-    if (!inner || n - lineBytes < kBlockBytes) {
-      encodeLastLine(base64EncodeAvx2, in, lineBytes, lineEnd, out);
-      continue;
-    }
+  const u32 lineChars = lineBytes / 3 * 4, length = lineChars + lineEnd.length;
+  const auto encodeAlone = [&](u32 count) {
+    encodeLastLine(base64EncodeAvx2, in, count, lineEnd, out);
+    in += count, n -= count, out += length;
+  };
+  if (n > lineBytes) encodeAlone(lineBytes);
+  for (; n >= lineBytes + kBlockBytes; in += lineBytes, n -= lineBytes, out += length) {
     encodeInnerLine(in, lineBytes, offset, out);
     std::memcpy(out + lineChars, lineEnd.text, sizeof lineEnd.text);
   }
+  while (n > lineBytes) encodeAlone(lineBytes);
   encodeLastLine(base64EncodeAvx2, in, n, lineEnd, out);
 }
 #endif
