@@ -79,6 +79,7 @@ class VARNIK_API DataBuffer : public VarnikObject {
 
   // ---- Accessors ----
 
+  /// True when no byte is in use.
   bool empty() const { return size_ == 0; }
   /// The number of bytes in use.
   u32 size() const { return size_; }
@@ -223,9 +224,11 @@ class VARNIK_API DataBuffer : public VarnikObject {
   // Each appends its value whole or fails as `append` does. `_le` is least significant byte first, `_be` most
   // significant first, on any processor; the first three write the host's own order.
 
+  /// Appends the value in the host's own order.
   bool append_u16(u16 value);
   bool append_u32(u32 value);
   bool append_u64(u64 value);
+  /// Appends the value in the order of the name.
   bool appendUint16_le(u16 value);
   bool appendUint16_be(u16 value);
   bool appendUint32_le(u32 value);

@@ -58,6 +58,7 @@ inline bool vk_append(StringBuffer& s, std::string_view text) {
 template <class T>
 class VkByteIterator {
  public:
+  /// What an iterator names.
   using iterator_concept = std::random_access_iterator_tag;
   using iterator_category = std::random_access_iterator_tag;
   using value_type = std::remove_const_t<T>;
@@ -66,12 +67,16 @@ class VkByteIterator {
   using reference = T&;
 
   VkByteIterator() = default;
+
+  /// An iterator at a byte.
   explicit VkByteIterator(T* at) : at_(at) {}
 
+  /// As for a pointer.
   T& operator*() const { return *at_; }
   T* operator->() const { return at_; }
   T& operator[](difference_type n) const { return at_[n]; }
 
+  /// As for a pointer.
   VkByteIterator& operator+=(difference_type n) {
     at_ += n;
     return *this;

@@ -11,19 +11,25 @@
 #include "varnik/buffer/Spans.h"
 #include "varnik/interop/Describe.h"
 
+namespace fmt {
+
 /// Formats the characters of a string.
 template <>
-struct fmt::formatter<StringBuffer> : fmt::formatter<std::string_view> {
-  auto format(const StringBuffer& s, fmt::format_context& context) const {
-    return fmt::formatter<std::string_view>::format(vk_view(s), context);
+struct formatter<StringBuffer> : formatter<std::string_view> {
+  /// Called by fmt.
+  auto format(const StringBuffer& s, format_context& context) const {
+    return formatter<std::string_view>::format(vk_view(s), context);
   }
 };
 
 /// Formats what a buffer is (see `vk_describe`): its size and first bytes, a `secure` one's size alone.
 template <>
-struct fmt::formatter<DataBuffer> : fmt::formatter<std::string_view> {
-  auto format(const DataBuffer& b, fmt::format_context& context) const {
+struct formatter<DataBuffer> : formatter<std::string_view> {
+  /// Called by fmt.
+  auto format(const DataBuffer& b, format_context& context) const {
     char area[kVkDescribeRoom];
-    return fmt::formatter<std::string_view>::format(std::string_view(area, vk_describe(b, area)), context);
+    return formatter<std::string_view>::format(std::string_view(area, vk_describe(b, area)), context);
   }
 };
+
+}  // namespace fmt

@@ -1,4 +1,4 @@
-// Output to `std::ostream`. A header of its own: those who do not stream do not pay for <ostream>.
+// Output to `std::ostream`. A header of its own: those who do not stream do not pay for `<ostream>`.
 #pragma once
 
 #include <ostream>

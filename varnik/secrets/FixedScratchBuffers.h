@@ -12,7 +12,9 @@ class VARNIK_API FixedScratchBuffers {
   /// Sets the count to 0.
   virtual ~FixedScratchBuffers();
 
+  /// The areas.
   u8 firstArea[2048];
   u8 secondArea[1024];
+  /// What the owner counts in them.
   u32 count;
 };

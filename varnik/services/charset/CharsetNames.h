@@ -22,6 +22,7 @@ class VARNIK_API CharsetNames {
   static bool canonicalizeCharset(StringBuffer& name);
 
   // For listings and for the nearest name to one that is unknown: the canonical names and the labels, by index.
+  /// Returns how many canonical names (labels) there are.
   static u32 count();
   static u32 countLabels();
   /// Returns the canonical name (the label) at an index; null past the last.

@@ -35,18 +35,22 @@ class VARNIK_API ContentEncoder {
   static bool decodeBase64(const char* text, u32 n, DataBuffer& out);
 
   // ---- base32 (RFC 4648 section 6): Base32.cpp ----
+  /// Writes, reads base32.
   static bool encodeBase32(const u8* data, u32 n, StringBuffer& out);
   static bool decodeId30(const char* text, DataBuffer& out, LogBase& log);
 
   // ---- base58 (Bitcoin alphabet): Base58.cpp ----
+  /// Writes, reads base58.
   static bool encodeBase58(const u8* data, u32 n, StringBuffer& out, LogBase& log);
   static bool decodeId7(const char* text, DataBuffer& out, LogBase& log);
 
   // ---- Ascii85, `z` for four zero bytes, no frame; the decoder accepts a frame `<~ ~>`: Ascii85.cpp ----
+  /// Writes, reads Ascii85.
   static bool encodeAscii85(const u8* data, u32 n, StringBuffer& out, LogBase& log);
   static bool decodeId17(const char* text, DataBuffer& out, LogBase& log);
 
   // ---- base45 (RFC 9285): Base45.cpp ----
+  /// Writes, reads base45.
   static bool encodeBase45(const u8* data, u32 n, StringBuffer& out, LogBase& log);
   static bool decodeId21(const char* text, u32 n, DataBuffer& out);
 
@@ -74,6 +78,7 @@ class VARNIK_API ContentEncoder {
   static bool encodeEda(const u8* data, u32 n, StringBuffer& out);
 
   // ---- uuencoded text: Uu.cpp ----
+  /// Reads what `Uu` writes.
   static bool decodeId37(const char* text, DataBuffer& out, LogBase& log);
 
  private:

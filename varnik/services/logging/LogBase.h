@@ -29,7 +29,7 @@ class VARNIK_API LogBase {
   /// Records `n` bytes under a tag, to be shown as hex.
   virtual void LogDataHex(const char* tag, const u8* data, u32 n);
 
-  // One named value; each of these ends in `LogDataStr` or `LogTextN`.
+  /// Records one named value; each of these ends in `LogDataStr` or `LogTextN`.
   void LogDataLong(const char* tag, long value);
   void LogDataInt64(const char* tag, s64 value);
   void LogDataUint32(const char* tag, u32 value);
