@@ -15,27 +15,35 @@ constexpr u32 entrySize(Utf8Entry entry) {
   return entry >> 24 & 3;
 }
 
-/// The bytes of UTF-16 units: bytes[blockOf[unit >> 6]][unit & 63], 0 for a unit that has none (and for unit 0).
-struct ByteOfUnit {
-  const u8* blockOf;      // 1,024 block numbers
-  const u8 (*bytes)[64];  // the blocks; block 0 is all zero
-  u8 of(u32 unit) const { return bytes[blockOf[unit >> 6]][unit & 63]; }
+struct SingleByteCharset {
+  const Utf8Entry* utf8;  // 256 entries
+
+  // The byte of a UTF-16 unit is blocks[blockOf[unit >> 6]][unit & 63]: 0 for a unit that has none (and for unit 0).
+  const u8* blockOf;  // 1,024 numbers; block 0 is all zero
+  const u8 (*blocks)[64];
+  u8 substitute;  // stands for what has no byte
+
+  // What the kernels may rely on, both ways.
+  bool ascii;     // the bytes below 0x80 are ASCII
+  u32 latinFrom;  // bytes from here on (0x80 or 0xA0) are the characters of their own number; 0x100: none
+
+  u8 byteOf(u32 unit) const { return blocks[blockOf[unit >> 6]][unit & 63]; }
 };
 
-/// Converts data[0, n) to UTF-8 by a table of 256 entries, as `convertUtf` does. `ascii` promises that the bytes below
-/// 0x80 are ASCII in the table.
-UtfProgress singleByteToUtf8(const Utf8Entry* table, bool ascii, const u8* data, u32 n, u8* out, u32 room);
+/// Converts data[0, n) to UTF-8, as `convertUtf` does.
+UtfProgress singleByteToUtf8(const SingleByteCharset& from, const u8* data, u32 n, u8* out, u32 room);
 /// Returns how many bytes of UTF-8 that makes.
-u64 singleByteUtf8Length(const Utf8Entry* table, bool ascii, const u8* data, u32 n);
+u64 singleByteUtf8Length(const SingleByteCharset& from, const u8* data, u32 n);
+/// Converts UTF-8 to bytes. What is no UTF-8 and what has no byte becomes the substitute and counts as bad.
+UtfProgress utf8ToSingleByte(const SingleByteCharset& to, const u8* data, u32 n, u8* out, u32 room);
 
-/// Converts UTF-8 to bytes. What is no UTF-8 and what has no byte becomes `substitute` and counts as bad. `ascii`
-/// promises that ASCII stands for itself.
-UtfProgress utf8ToSingleByte(const ByteOfUnit& map, bool ascii, u8 substitute, const u8* data, u32 n, u8* out,
-                             u32 room);
-
-UtfProgress singleByteToUtf8Scalar(const Utf8Entry* table, bool ascii, const u8* data, u32 n, u8* out, u32 room);
-u64 singleByteUtf8LengthScalar(const Utf8Entry* table, bool ascii, const u8* data, u32 n);
-UtfProgress utf8ToSingleByteScalar(const ByteOfUnit& map, bool ascii, u8 substitute, const u8* data, u32 n, u8* out,
-                                   u32 room);
+UtfProgress singleByteToUtf8Scalar(const SingleByteCharset& from, const u8* data, u32 n, u8* out, u32 room);
+u64 singleByteUtf8LengthScalar(const SingleByteCharset& from, const u8* data, u32 n);
+UtfProgress utf8ToSingleByteScalar(const SingleByteCharset& to, const u8* data, u32 n, u8* out, u32 room);
+#if VARNIK_HAVE_AVX2
+UtfProgress singleByteToUtf8Avx2(const SingleByteCharset& from, const u8* data, u32 n, u8* out, u32 room);
+u64 singleByteUtf8LengthAvx2(const SingleByteCharset& from, const u8* data, u32 n);
+UtfProgress utf8ToSingleByteAvx2(const SingleByteCharset& to, const u8* data, u32 n, u8* out, u32 room);
+#endif
 
 }  // namespace vk_simd

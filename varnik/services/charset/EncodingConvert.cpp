@@ -40,13 +40,14 @@ bool hasAsciiBytes(Kind kind) {
 }
 
 bool singleByteToUtf8(const SingleByteTable& table, Text text, DataBuffer& out) {
+  const vk_simd::SingleByteCharset charset = table.charset();
   bool bad = false;
-  while (text.size != 0) {
-    if (u64{text.size} * 3 > freeBytes(out) &&
-        !makeRoom(out, vk_simd::singleByteUtf8Length(table.utf8, table.ascii, text.data, text.size)))
+  for (bool filled = false; text.size != 0; filled = true) {
+    const bool isEnough = u64{text.size} * 3 <= freeBytes(out);
+    if (!isEnough && (filled || freeBytes(out) < kWorthFilling) &&
+        !makeRoom(out, vk_simd::singleByteUtf8Length(charset, text.data, text.size)))
       return false;
-    const auto done =
-        vk_simd::singleByteToUtf8(table.utf8, table.ascii, text.data, text.size, freeSpace(out), freeBytes(out));
+    const auto done = vk_simd::singleByteToUtf8(charset, text.data, text.size, freeSpace(out), freeBytes(out));
     out.addToSize(done.written);
     bad |= done.bad;
     text = {text.data + done.read, text.size - done.read};
@@ -56,8 +57,7 @@ bool singleByteToUtf8(const SingleByteTable& table, Text text, DataBuffer& out) 
 
 bool utf8ToSingleByte(const SingleByteTable& table, Text text, DataBuffer& out) {
   if (!makeRoom(out, text.size)) return false;
-  const auto done = vk_simd::utf8ToSingleByte(table.byteOfUnit(), table.ascii, table.substitute, text.data, text.size,
-                                              freeSpace(out), freeBytes(out));
+  const auto done = vk_simd::utf8ToSingleByte(table.charset(), text.data, text.size, freeSpace(out), freeBytes(out));
   out.addToSize(done.written);
   return !done.bad;
 }

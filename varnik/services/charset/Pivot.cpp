@@ -97,10 +97,10 @@ bool UtfWriter::write(const u16* units, u32 n, bool) {
 bool SingleByteWriter::write(const u16* units, u32 n, bool) {
   if (!makeRoom(out_, n)) return false;
   u8* const to = freeSpace(out_);
-  const auto map = table_.byteOfUnit();
+  const auto charset = table_.charset();
   u32 written = 0;
   for (u32 i = 0; i < n; ++i) {
-    u8 byte = map.of(units[i]);
+    u8 byte = charset.byteOf(units[i]);
     if (byte == 0 && units[i] != 0) {
       byte = table_.substitute;
       bad_ = true;

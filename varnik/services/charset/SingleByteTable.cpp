@@ -101,9 +101,14 @@ bool build(const CharsetInfo& charset, SingleByteTable& table) {
   if (!(charset.converter ? fromIcu(charset.converter, table) : latin10(table))) return false;
   for (const auto& right : kCorrections)
     if (right.id == charset.id) correct(table, right.byte, right.unit);
-  table.substitute = table.byteOfUnit().of(kSubstitute);
+  const auto made = table.charset();
+  table.substitute = made.byteOf(kSubstitute);
+  const auto isItself = [&](u32 i) { return table.unit[i] == i && made.byteOf(i) == i; };
+  u32 first = 0x100;
+  while (first > 0x80 && isItself(first - 1)) --first;
+  table.latinFrom = first == 0x80 ? 0x80 : first <= 0xA0 ? 0xA0 : 0x100;
   table.ascii = true;
-  for (u32 i = 0; i < 0x80; ++i) table.ascii &= table.unit[i] == i && table.byteOfUnit().of(i) == i;
+  for (u32 i = 0; i < 0x80; ++i) table.ascii &= isItself(i);
   return true;
 }
 

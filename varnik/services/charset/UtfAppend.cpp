@@ -4,13 +4,6 @@ namespace vk_charset {
 
 using vk_simd::Utf;
 
-namespace {
-
-// Room that is there already is filled before anything is counted: a target that is used again needs no count then.
-constexpr u32 kWorthFilling = 256;
-
-}  // namespace
-
 bool appendUtf(Utf from, Utf to, const u8* data, u32 n, DataBuffer& out, bool& bad) {
   // What does not fit is counted: as if it were valid, which is fast, and where that was not enough, exactly.
   bool counted = false;

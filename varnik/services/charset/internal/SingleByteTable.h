@@ -11,13 +11,14 @@ struct SingleByteTable {
 
   vk_simd::Utf8Entry utf8[256];
   u16 unit[256];     // the UTF-16 unit of a byte, U+FFFD where it stands for nothing
-  u8 blockOf[1024];  // see vk_simd::ByteOfUnit
+  u8 blockOf[1024];  // see vk_simd::SingleByteCharset
   u8 bytes[kMaxBlocks][64];
-  u8 numBlocks;   // block 0, which stays empty, included
-  u8 substitute;  // the byte of '?'
-  bool ascii;     // the bytes below 0x80 are ASCII
+  u8 numBlocks;  // block 0, which stays empty, included
+  vk_simd::SingleByteCharset charset() const { return {utf8, blockOf, bytes, substitute, ascii, latinFrom}; }
 
-  vk_simd::ByteOfUnit byteOfUnit() const { return {blockOf, bytes}; }
+  u8 substitute;  // the byte of '?'
+  bool ascii;     // see vk_simd::SingleByteCharset
+  u32 latinFrom;
 };
 
 /// Returns the tables of a charset of Kind::kSingleByte; null when ICU cannot supply them. Those of the first charsets

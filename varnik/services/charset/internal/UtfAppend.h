@@ -12,6 +12,10 @@ namespace vk_charset {
 constexpr vk_simd::Utf kUtf16Host =
     std::endian::native == std::endian::little ? vk_simd::Utf::k16Le : vk_simd::Utf::k16Be;
 
+/// Room that is there already is filled before anything is counted, if it is worth it: a target that is used again
+/// needs no count then.
+constexpr u32 kWorthFilling = 256;
+
 inline u32 freeBytes(const DataBuffer& out) {
   return out.getBufSize() - out.getSize();
 }
