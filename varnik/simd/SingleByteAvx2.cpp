@@ -45,43 +45,55 @@ constexpr u32 kRoom = 64;  // what a block may write
 
 // Copies the blocks of ASCII at the front.
 [[VARNIK_AVX2]] inline void copyAscii(UtfCursor& c) {
-  while (c.left() >= 4 * kBlock && c.roomLeft() >= 4 * kBlock) {
-    const u8* const p = c.in + c.read;
-    const __m256i k = loadBlock(p), l = loadBlock(p + 32), m = loadBlock(p + 64), n = loadBlock(p + 96);
+  Stretch s(c);
+  while (s.left >= 4 * kBlock && s.room >= 4 * kBlock) {
+    const __m256i k = loadBlock(s.in), l = loadBlock(s.in + 32), m = loadBlock(s.in + 64), n = loadBlock(s.in + 96);
     if (bitsOf(_mm256_or_si256(_mm256_or_si256(k, l), _mm256_or_si256(m, n))) != 0) break;
-    u8* const out = c.out + c.written;
-    storeBlock(out, k);
-    storeBlock(out + 32, l);
-    storeBlock(out + 64, m);
-    storeBlock(out + 96, n);
-    c.read += 4 * kBlock;
-    c.written += 4 * kBlock;
+    storeBlock(s.out, k);
+    storeBlock(s.out + 32, l);
+    storeBlock(s.out + 64, m);
+    storeBlock(s.out + 96, n);
+    s.advance(4 * kBlock, 4 * kBlock);
   }
-  while (c.left() >= kBlock && c.roomLeft() >= kBlock) {
-    const __m256i block = loadBlock(c.in + c.read);
-    if (bitsOf(block) != 0) return;
-    storeBlock(c.out + c.written, block);
-    c.read += kBlock;
-    c.written += kBlock;
+  while (s.left >= kBlock && s.room >= kBlock) {
+    const __m256i block = loadBlock(s.in);
+    if (bitsOf(block) != 0) break;
+    storeBlock(s.out, block);
+    s.advance(kBlock, kBlock);
   }
+  s.save(c);
 }
-
-constexpr u32 kAsciiRun = 3;  // blocks of ASCII in a row that are worth a change of loops
 
 // Takes blocks with other characters, up to some of ASCII in a row. False when a character does not fit.
 [[VARNIK_AVX2]] inline bool takeBytes(UtfCursor& c, const SingleByteCharset& from) {
-  for (u32 ascii = 0; ascii < kAsciiRun && c.left() >= kBlock && c.roomLeft() >= kRoom;) {
-    const __m256i block = loadBlock(c.in + c.read);
+  const bool hasLatin = from.latinFrom <= 0xFF;
+  bool fits = true;
+  Stretch s(c);
+  for (u32 ascii = 0; fits && ascii < kAsciiRun && s.left >= kBlock && s.room >= kRoom;) {
+    const __m256i block = loadBlock(s.in);
     const u32 high = bitsOf(block);
     ascii = high == 0 ? ascii + 1 : 0;
-    if (from.latinFrom > 0xFF || notLatin(block, from) != 0) {
-      if (!bytesToUtf8(c, from, c.read + kBlock)) return false;
+    if (hasLatin && notLatin(block, from) == 0) {
+      s.advance(kBlock, putLatin(block, high, s.out));
     } else {
-      c.written += putLatin(block, high, c.out + c.written);
-      c.read += kBlock;
+      s.save(c);
+      fits = bytesToUtf8(c, from, c.read + kBlock);
+      s = Stretch(c);
     }
   }
-  return true;
+  s.save(c);
+  return fits;
+}
+
+// Takes the last bytes, fewer than a block has, filled up with zero bytes that are not counted.
+[[VARNIK_AVX2]] inline void takeLastBytes(UtfCursor& c, const SingleByteCharset& from) {
+  const u32 rest = c.left();
+  if (!from.ascii || rest == 0 || rest >= kBlock || c.roomLeft() < kRoom) return;
+  const __m256i block = loadUpTo32(c.in + c.read, rest);
+  const u32 high = bitsOf(block);
+  if (high != 0 && (from.latinFrom > 0xFF || notLatin(block, from) != 0)) return;
+  c.written += putLatin(block, high, c.out + c.written) - (kBlock - rest);
+  c.read += rest;
 }
 
 // Writes eight bytes of those whose bits are set.
@@ -92,34 +104,47 @@ constexpr u32 kAsciiRun = 3;  // blocks of ASCII in a row that are worth a chang
   return static_cast<u32>(__builtin_popcount(kept));
 }
 
-// Converts a block of ASCII and U+0080 to U+00FF that the charset has; false where there is something else in it.
-[[VARNIK_AVX2]] inline bool putLatinBytes(UtfCursor& c, const SingleByteCharset& to, __m256i block) {
+// Converts a block of ASCII and U+0080 to U+00FF that the charset has; false where there is something else in it. Of
+// the block, the last `filled` bytes are zero bytes that do not count.
+[[VARNIK_AVX2]] inline bool putLatinBytes(Stretch& s, const SingleByteCharset& to, __m256i block, u32 filled) {
   const u32 continued = bitsOf(_mm256_cmpgt_epi8(bytesOf(0xC0), block));
   const u32 leads = bitsOf(_mm256_cmpeq_epi8(_mm256_and_si256(block, bytesOf(0xFE)), bytesOf(0xC2)));
   if (leads << 1 != continued || (bitsOf(block) & ~continued) != leads) return false;
   // A byte behind C3 gets bit 6 back; the byte in front of the block's first is none of its characters'.
   const __m256i isC3 = _mm256_cmpeq_epi8(block, bytesOf(0xC3));
-  const __m256i carried = _mm256_permute2x128_si256(isC3, isC3, 0x08);
-  const __m256i behindC3 = _mm256_alignr_epi8(isC3, carried, 15);
+  const __m256i behindC3 = _mm256_alignr_epi8(isC3, _mm256_permute2x128_si256(isC3, isC3, 0x08), 15);
   const __m256i bytes = _mm256_or_si256(block, _mm256_and_si256(behindC3, bytesOf(0x40)));
   if ((notLatin(bytes, to) & continued) != 0) return false;
   alignas(32) u64 eights[4];
   _mm256_store_si256(reinterpret_cast<__m256i*>(eights), bytes);
-  u8* out = c.out + c.written;
-  for (u32 i = 0; i < 4; ++i) out += putKept(eights[i], ~leads >> (8 * i) & 0xFF, out);
-  c.written = static_cast<u32>(out - c.out);
-  c.read += kBlock - (leads >> 31);
+  u32 size = 0;
+  for (u32 i = 0; i < 4; ++i) size += putKept(eights[i], ~leads >> (8 * i) & 0xFF, s.out + size);
+  s.advance(kBlock - filled - (leads >> 31), size - filled);
   return true;
 }
 
 [[VARNIK_AVX2]] inline bool takeCharacters(UtfCursor& c, const SingleByteCharset& to) {
-  for (u32 ascii = 0; ascii < kAsciiRun && c.left() >= kBlock && c.roomLeft() >= kRoom;) {
-    const __m256i block = loadBlock(c.in + c.read);
+  const bool hasLatin = to.latinFrom <= 0xFF;
+  bool fits = true;
+  Stretch s(c);
+  for (u32 ascii = 0; fits && ascii < kAsciiRun && s.left >= kBlock && s.room >= kRoom;) {
+    const __m256i block = loadBlock(s.in);
     ascii = bitsOf(block) == 0 ? ascii + 1 : 0;
-    if (to.latinFrom <= 0xFF && putLatinBytes(c, to, block)) continue;
-    if (!utf8ToBytes(c, to, c.read + kBlock)) return false;
+    if (hasLatin && putLatinBytes(s, to, block, 0)) continue;
+    s.save(c);
+    fits = utf8ToBytes(c, to, c.read + kBlock);
+    s = Stretch(c);
   }
-  return true;
+  s.save(c);
+  return fits;
+}
+
+[[VARNIK_AVX2]] inline void takeLastCharacters(UtfCursor& c, const SingleByteCharset& to) {
+  Stretch s(c);
+  if (!to.ascii || s.left == 0 || s.left >= kBlock || s.room < kRoom) return;
+  const __m256i block = loadUpTo32(s.in, s.left);
+  if (to.latinFrom <= 0xFF || bitsOf(block) == 0) putLatinBytes(s, to, block, kBlock - s.left);
+  s.save(c);
 }
 
 }  // namespace
@@ -131,6 +156,7 @@ constexpr u32 kAsciiRun = 3;  // blocks of ASCII in a row that are worth a chang
     copyAscii(c);
     if (!takeBytes(c, from)) break;
   }
+  takeLastBytes(c, from);
   bytesToUtf8(c, from, n);
   return c.progress();
 }
@@ -156,6 +182,7 @@ constexpr u32 kAsciiRun = 3;  // blocks of ASCII in a row that are worth a chang
     copyAscii(c);
     if (!takeCharacters(c, to)) break;
   }
+  takeLastCharacters(c, to);
   utf8ToBytes(c, to, n);
   return c.progress();
 }

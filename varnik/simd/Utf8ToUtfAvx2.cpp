@@ -7,8 +7,7 @@
 //   61  C3 A9  E2 82 AC  F0 9F 98 80
 //   61  E9  .  AC20 . .  D83D DE00 . .     the low surrogate is computed at the second byte of four
 //
-// so that the time does not depend on what the characters are. A character that the end of the block cuts off begins
-// the next block.
+// so that the time does not depend on what the characters are.
 #include "varnik/simd/internal/UtfAvx2.h"
 
 #if VARNIK_HAVE_AVX2
@@ -17,8 +16,7 @@
 namespace vk_simd {
 namespace {
 
-constexpr u32 kBlock = 32;      // bytes of input
-constexpr u32 kLookAhead = 36;  // what a block reads, and more
+constexpr u32 kBlock = 32;  // bytes of input
 
 constexpr u32 lowBits(u32 n) {
   return n == 32 ? 0xFFFFFFFF : (1u << n) - 1;
@@ -37,10 +35,6 @@ constexpr u32 lowBits(u32 n) {
 [[VARNIK_AVX2]] inline __m256i equal(__m256i block, u32 value) {
   return _mm256_cmpeq_epi8(block, bytes(value));
 }
-// 16 bytes, each in a lane of two.
-[[VARNIK_AVX2]] inline __m256i loadWide(const u8* p) {
-  return _mm256_cvtepu8_epi16(loadHalf(p));
-}
 
 struct Block {
   u32 continuations = 0;  // a bit a byte, like the next
@@ -49,8 +43,8 @@ struct Block {
 };
 
 // Some lead bytes narrow the range of the second byte: E0 and F0 (overlong), ED (surrogates), F4 (above U+10FFFF).
-[[VARNIK_AVX2]] inline u32 badSecondBytes(__m256i block, const u8* p) {
-  const __m256i second = loadBlock(p + 1);
+[[VARNIK_AVX2]] inline u32 badSecondBytes(__m256i block) {
+  const __m256i second = without<1>(block);
   const __m256i fromA0 = atLeast(second, 0xA0), from90 = atLeast(second, 0x90);
   const __m256i tooLow =
       _mm256_or_si256(_mm256_andnot_si256(fromA0, equal(block, 0xE0)), _mm256_andnot_si256(from90, equal(block, 0xF0)));
@@ -59,7 +53,7 @@ struct Block {
   return bitsOf(_mm256_or_si256(tooLow, tooHigh));
 }
 
-[[VARNIK_AVX2]] inline Block lookAt(__m256i block, const u8* p) {
+[[VARNIK_AVX2]] inline Block lookAt(__m256i block) {
   Block found;
   const u32 continuations = bitsOf(_mm256_cmpgt_epi8(bytes(0xC0), block));
   const u32 leads = bitsOf(block) & ~continuations;
@@ -69,32 +63,46 @@ struct Block {
   const __m256i noLeads = _mm256_or_si256(equal(_mm256_and_si256(block, bytes(0xFE)), 0xC0), atLeast(block, 0xF5));
   if (static_cast<u32>(asked) != continuations || bitsOf(noLeads) != 0) return found;
   const u32 size = asked >> 32 != 0 ? 31 - static_cast<u32>(__builtin_clz(leads)) : kBlock;
-  if (leadsOf3 != 0 && (badSecondBytes(block, p) & lowBits(size)) != 0) return found;
+  if (leadsOf3 != 0 && (badSecondBytes(block) & lowBits(size)) != 0) return found;
   return {continuations, leadsOf4, size};
 }
 
-// The units at 16 bytes from `p` on. Each lane sees its byte and the two behind it.
-[[VARNIK_AVX2]] inline __m256i unitsAt(const u8* p, bool any4) {
-  const __m256i a = loadWide(p), b = loadWide(p + 1), c = loadWide(p + 2), six = units(0x3F);
-  const __m256i low = _mm256_and_si256(b, six), lower = _mm256_and_si256(c, six);
-  const __m256i two = _mm256_or_si256(_mm256_slli_epi16(_mm256_and_si256(a, units(0x1F)), 6), low);
-  const __m256i three = _mm256_or_si256(_mm256_or_si256(_mm256_slli_epi16(a, 12), _mm256_slli_epi16(low, 6)), lower);
-  __m256i unit = _mm256_blendv_epi8(a, two, _mm256_cmpgt_epi16(a, units(0xBF)));
-  unit = _mm256_blendv_epi8(unit, three, _mm256_cmpgt_epi16(a, units(0xDF)));
-  if (!any4) return unit;
-  // D7C0 is D800 less the 0x10000 that the surrogates leave out.
-  const __m256i bits =
-      _mm256_or_si256(_mm256_or_si256(_mm256_slli_epi16(_mm256_and_si256(a, units(7)), 8), _mm256_slli_epi16(low, 2)),
-                      _mm256_srli_epi16(lower, 4));
-  return _mm256_blendv_epi8(unit, _mm256_add_epi16(bits, units(0xD7C0)), _mm256_cmpgt_epi16(a, units(0xEF)));
+// 16 bytes of a block, each with the byte in front of it and the two behind it, as lanes of two bytes.
+struct Window {
+  __m256i before, a, b, c;
+};
+
+[[VARNIK_AVX2]] inline Window firstWindow(__m128i low, __m128i high) {
+  return {_mm256_cvtepu8_epi16(_mm_slli_si128(low, 1)), _mm256_cvtepu8_epi16(low),
+          _mm256_cvtepu8_epi16(_mm_alignr_epi8(high, low, 1)), _mm256_cvtepu8_epi16(_mm_alignr_epi8(high, low, 2))};
+}
+[[VARNIK_AVX2]] inline Window secondWindow(__m128i low, __m128i high) {
+  return {_mm256_cvtepu8_epi16(_mm_alignr_epi8(high, low, 15)), _mm256_cvtepu8_epi16(high),
+          _mm256_cvtepu8_epi16(_mm_srli_si128(high, 1)), _mm256_cvtepu8_epi16(_mm_srli_si128(high, 2))};
 }
 
-// The low surrogates at the second bytes of four, whose lead bytes stand one byte before `p`.
-[[VARNIK_AVX2]] inline __m256i withLowSurrogates(__m256i unit, const u8* p, __m256i before) {
-  const __m256i high = _mm256_and_si256(loadWide(p + 1), units(0x0F)),
-                low = _mm256_and_si256(loadWide(p + 2), units(0x3F));
-  const __m256i surrogate = _mm256_or_si256(_mm256_or_si256(_mm256_slli_epi16(high, 6), low), units(0xDC00));
-  return _mm256_blendv_epi8(unit, surrogate, _mm256_cmpgt_epi16(before, units(0xEF)));
+[[VARNIK_AVX2]] inline __m256i shiftedLeft(__m256i lanes, u32 bits, int by) {
+  return _mm256_slli_epi16(_mm256_and_si256(lanes, units(bits)), by);
+}
+
+// The units of characters of four bytes: a high surrogate at the first byte (D7C0 is D800 less the 0x10000 that the
+// surrogates leave out), a low one at the second.
+[[VARNIK_AVX2]] inline __m256i withSurrogates(__m256i unit, const Window& w) {
+  const __m256i last = _mm256_and_si256(w.c, units(0x3F));
+  const __m256i bits = _mm256_or_si256(shiftedLeft(w.a, 7, 8), shiftedLeft(w.b, 0x3F, 2));
+  const __m256i high = _mm256_add_epi16(_mm256_or_si256(bits, _mm256_srli_epi16(last, 4)), units(0xD7C0));
+  const __m256i low = _mm256_or_si256(_mm256_or_si256(shiftedLeft(w.b, 0x0F, 6), last), units(0xDC00));
+  unit = _mm256_blendv_epi8(unit, high, _mm256_cmpgt_epi16(w.a, units(0xEF)));
+  return _mm256_blendv_epi8(unit, low, _mm256_cmpgt_epi16(w.before, units(0xEF)));
+}
+
+[[VARNIK_AVX2]] inline __m256i unitsAt(const Window& w) {
+  const __m256i last = _mm256_and_si256(w.b, units(0x3F));
+  const __m256i two = _mm256_or_si256(shiftedLeft(w.a, 0x1F, 6), last);
+  const __m256i front = _mm256_or_si256(_mm256_slli_epi16(w.a, 12), _mm256_slli_epi16(last, 6));
+  const __m256i three = _mm256_or_si256(front, _mm256_and_si256(w.c, units(0x3F)));
+  const __m256i unit = _mm256_blendv_epi8(w.a, two, _mm256_cmpgt_epi16(w.a, units(0xBF)));
+  return _mm256_blendv_epi8(unit, three, _mm256_cmpgt_epi16(w.a, units(0xDF)));
 }
 
 template <class To>
@@ -110,12 +118,13 @@ template <class To>
 }
 
 template <class To>
-[[VARNIK_AVX2]] inline u32 putUnits(const u8* p, const Block& found, u8* out) {
-  const bool any4 = found.leadsOf4 != 0;
-  __m256i first = unitsAt(p, any4), second = unitsAt(p + 16, any4);
-  if (any4) {
-    first = withLowSurrogates(first, p, _mm256_cvtepu8_epi16(_mm_slli_si128(loadHalf(p), 1)));
-    second = withLowSurrogates(second, p + 16, _mm256_cvtepu8_epi16(loadHalf(p + 15)));
+[[VARNIK_AVX2]] inline u32 putUnits(__m256i block, const Block& found, u8* out) {
+  const __m128i low = _mm256_castsi256_si128(block), high = _mm256_extracti128_si256(block, 1);
+  const Window one = firstWindow(low, high), two = secondWindow(low, high);
+  __m256i first = unitsAt(one), second = unitsAt(two);
+  if (found.leadsOf4 != 0) {
+    first = withSurrogates(first, one);
+    second = withSurrogates(second, two);
   }
   first = inOrder<To>(first);
   second = inOrder<To>(second);
@@ -143,67 +152,91 @@ template <class To>
   }
 }
 
-constexpr u32 roomOf(u32 unit) {
-  return kBlock * unit;
-}
-
-// Converts one block with more than ASCII in it; false when the scalar code must.
 template <class To>
-[[VARNIK_AVX2]] inline bool putBlock(UtfCursor& c, __m256i block, const u8* p) {
-  if constexpr (sizeof(typename To::Unit) == 4) return false;
-  const Block found = lookAt(block, p);
-  if (found.size == 0) return false;
-  u8* const out = c.out + c.written;
-  if constexpr (sizeof(typename To::Unit) == 1) {
-    storeBlock(out, block);
-    c.written += found.size;
+constexpr u32 kRoom = kBlock * sizeof(typename To::Unit);  // what a block may write
+
+struct Done {
+  u32 read = 0, written = 0;  // read is 0 where the scalar code must do it
+};
+
+// Converts a block of any characters.
+template <class To>
+[[VARNIK_AVX2]] inline Done putBlock(__m256i block, u8* out) {
+  if constexpr (sizeof(typename To::Unit) == 4) {
+    if (bitsOf(block) != 0) return {};
+    putAscii<To>(block, out);
+    return {kBlock, kRoom<To>};
   } else {
-    c.written += putUnits<To>(p, found, out);
+    const Block found = lookAt(block);
+    if (found.size == 0) return {};
+    if constexpr (sizeof(typename To::Unit) == 2) return {found.size, putUnits<To>(block, found, out)};
+    storeBlock(out, block);
+    return {found.size, found.size};
   }
-  c.read += found.size;
-  return true;
 }
 
-// What is too short for a block that looks ahead.
+// Takes the blocks of ASCII at the front.
 template <class To>
-[[VARNIK_AVX2]] inline void putTail(UtfCursor& c) {
-  constexpr u32 kUnit = sizeof(typename To::Unit), kRoom = 2 * roomOf(kUnit);
-  const u32 rest = c.left();
-  if (rest == 0 || rest >= kLookAhead || c.roomLeft() < kRoom) return;
-  alignas(32) u8 padded[2 * kBlock + kLookAhead] = {};
-  __builtin_memcpy(padded, c.in + c.read, rest);
-  UtfCursor tail{padded, sizeof padded, c.out + c.written, kRoom};
-  while (tail.read < rest) {
-    const __m256i block = loadBlock(padded + tail.read);
-    if (bitsOf(block) == 0) {
-      putAscii<To>(block, tail.out + tail.written);
-      tail.read += kBlock;
-      tail.written += roomOf(kUnit);
-    } else if (!putBlock<To>(tail, block, padded + tail.read)) {
-      return;
-    }
+[[VARNIK_AVX2]] inline void takeAscii(Stretch& s) {
+  while (s.left >= 2 * kBlock && s.room >= 2 * kRoom<To>) {
+    const __m256i one = loadBlock(s.in), two = loadBlock(s.in + kBlock);
+    if (bitsOf(_mm256_or_si256(one, two)) != 0) break;
+    putAscii<To>(one, s.out);
+    putAscii<To>(two, s.out + kRoom<To>);
+    s.advance(2 * kBlock, 2 * kRoom<To>);
   }
-  c.read += rest;
-  c.written += tail.written - (tail.read - rest) * kUnit;
+  while (s.left >= kBlock && s.room >= kRoom<To>) {
+    const __m256i block = loadBlock(s.in);
+    if (bitsOf(block) != 0) break;
+    putAscii<To>(block, s.out);
+    s.advance(kBlock, kRoom<To>);
+  }
+}
+
+// Converts a block in which something is bad; false when a character does not fit.
+template <class To>
+bool takeBad(Stretch& s, UtfCursor& c) {
+  s.save(c);
+  const bool fits = convertTo<Utf8, To>(c, c.read + kBlock);
+  s = Stretch(c);
+  return fits;
+}
+
+// Takes blocks of any characters, up to some of ASCII in a row. False when a character does not fit.
+template <class To>
+[[VARNIK_AVX2]] inline bool takeOthers(Stretch& s, UtfCursor& c) {
+  bool fits = true;
+  for (u32 ascii = 0; fits && ascii < kAsciiRun && s.left >= kBlock && s.room >= kRoom<To>;) {
+    const __m256i block = loadBlock(s.in);
+    ascii = bitsOf(block) == 0 ? ascii + 1 : 0;
+    const Done done = putBlock<To>(block, s.out);
+    s.advance(done.read, done.written);
+    if (done.read == 0) fits = takeBad<To>(s, c);
+  }
+  return fits;
+}
+
+// Takes the last bytes, fewer than a block has.
+template <class To>
+[[VARNIK_AVX2]] inline void takeLast(Stretch& s) {
+  if (s.left == 0 || s.left >= kBlock || s.room < kRoom<To>) return;
+  const Done done = putBlock<To>(loadUpTo32(s.in, s.left), s.out);
+  if (done.read == 0) return;
+  s.advance(s.left, done.written - (kBlock - s.left) * static_cast<u32>(sizeof(typename To::Unit)));
 }
 
 }  // namespace
 
 template <class To>
 [[VARNIK_AVX2]] void convertFromUtf8Avx2(UtfCursor& c) {
-  constexpr u32 kUnit = sizeof(typename To::Unit);
-  while (c.left() >= kLookAhead && c.roomLeft() >= roomOf(kUnit)) {
-    const u8* const p = c.in + c.read;
-    const __m256i block = loadBlock(p);
-    if (bitsOf(block) == 0) {
-      putAscii<To>(block, c.out + c.written);
-      c.read += kBlock;
-      c.written += roomOf(kUnit);
-    } else if (!putBlock<To>(c, block, p) && !convertTo<Utf8, To>(c, c.read + kBlock)) {
-      return;
-    }
+  Stretch s(c);
+  bool fits = true;
+  while (fits && s.left >= kBlock && s.room >= kRoom<To>) {
+    takeAscii<To>(s);
+    fits = takeOthers<To>(s, c);
   }
-  putTail<To>(c);
+  takeLast<To>(s);
+  s.save(c);
   convertTo<Utf8, To>(c, c.n);
 }
 

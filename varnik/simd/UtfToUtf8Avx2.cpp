@@ -1,13 +1,10 @@
 // UTF-16 and UTF-32 to UTF-8. Eight characters at a time are spread over lanes of four bytes, which end in the
 // character's last byte:
 //
-//   U+0041    00 00 00 41        one byte stays     lengths become an index into kLaneTails, whose shuffle moves
-//   U+00E9    00 00 C3 A9        two                what stays of four lanes together
-//   U+20AC    00 E2 82 AC        three
+//   U+0041    .. .. .. 41        one byte stays     the lengths become an index into a table of shuffles, which move
+//   U+00E9    .. .. C3 A9        two                what stays of four lanes together
+//   U+20AC    .. E2 82 AC        three
 //   U+1F600   F0 9F 98 80        four
-//
-// Text changes between ASCII and other characters all the time, and a branch that follows it is guessed wrong all the
-// time. So the loops change gear only after some blocks in a row that a faster one could have taken.
 #include "varnik/simd/internal/UtfAvx2.h"
 
 #if VARNIK_HAVE_AVX2
@@ -16,11 +13,9 @@
 namespace vk_simd {
 namespace {
 
-constexpr u32 kBlock = 32;      // bytes of input
-constexpr u32 kLookAhead = 34;  // what a block reads: the unit behind it may be the second half of a pair
-constexpr u32 kRoom = 64;       // what a block may write, and more
-constexpr u32 kAsciiRun = 3;    // blocks of ASCII in a row that are worth a change of gear
-constexpr u32 kNarrowRun = 3;   // the same for characters below U+0800
+constexpr u32 kBlock = 32;     // bytes of input
+constexpr u32 kRoom = 64;      // what a block may write, and more
+constexpr u32 kNarrowRun = 4;  // blocks of characters below U+0800 in a row that are worth a change of gear
 
 template <class From>
 constexpr bool kIsWide = sizeof(typename From::Unit) == 4;
@@ -34,12 +29,16 @@ constexpr bool kIsWide = sizeof(typename From::Unit) == 4;
 
 // Loads a block of units in the processor's order.
 template <class From>
-[[VARNIK_AVX2]] inline __m256i loadUnits(const u8* p) {
-  const __m256i block = loadBlock(p);
+[[VARNIK_AVX2]] inline __m256i unitsIn(__m256i block) {
   if constexpr (From::kEndian == std::endian::little) return block;
   const __m128i order = kIsWide<From> ? _mm_set_epi8(12, 13, 14, 15, 8, 9, 10, 11, 4, 5, 6, 7, 0, 1, 2, 3)
                                       : _mm_set_epi8(14, 15, 12, 13, 10, 11, 8, 9, 6, 7, 4, 5, 2, 3, 0, 1);
   return _mm256_shuffle_epi8(block, _mm256_broadcastsi128_si256(order));
+}
+
+template <class From>
+[[VARNIK_AVX2]] inline __m256i loadUnits(const u8* p) {
+  return unitsIn<From>(loadBlock(p));
 }
 
 [[VARNIK_AVX2]] inline __m256i lowHalf(__m256i units) {
@@ -54,35 +53,50 @@ template <class From>
   return _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), 0xD8);
 }
 
-// Writes four characters, by their lengths less one in two bits each; returns how many bytes that are.
-[[VARNIK_AVX2]] inline u32 putLanes(__m128i lanes, u32 bits0, u32 bits1, u8* out) {
-  storeHalf(out, _mm_shuffle_epi8(lanes, loadHalf(kLaneTails[bits0 | bits1 << 4].data())));
-  return 4 + static_cast<u32>(__builtin_popcount(bits0) + 2 * __builtin_popcount(bits1));
+// Writes what stays of four characters; returns how many bytes that are.
+[[VARNIK_AVX2]] inline u32 putLanes(__m128i lanes, const TailTable& tails, u32 index, u8* out) {
+  storeHalf(out, _mm_shuffle_epi8(lanes, loadHalf(tails.order[index].data())));
+  return tails.size[index];
 }
 
-// Writes eight characters; kSupplementary: there may be some above U+FFFF.
-template <bool kSupplementary>
+// Writes eight characters.
 [[VARNIK_AVX2]] inline u32 putEight(__m256i codes, u8* out) {
   const __m256i two = _mm256_cmpgt_epi32(codes, lanesOf(0x7F)), three = _mm256_cmpgt_epi32(codes, lanesOf(0x7FF));
-  const __m256i six = lanesOf(0x3F);
+  const __m256i four = _mm256_cmpgt_epi32(codes, lanesOf(0xFFFF)), six = lanesOf(0x3F);
   __m256i lanes = _mm256_slli_epi32(_mm256_andnot_si256(_mm256_and_si256(two, lanesOf(0xFFC0)), codes), 24);
   lanes = _mm256_or_si256(lanes, _mm256_slli_epi32(_mm256_and_si256(_mm256_srli_epi32(codes, 6), six), 16));
   lanes = _mm256_or_si256(lanes, _mm256_slli_epi32(_mm256_and_si256(_mm256_srli_epi32(codes, 12), six), 8));
+  lanes = _mm256_or_si256(lanes, _mm256_srli_epi32(codes, 18));
   // The marks of two bytes, and how they change for three and for four.
-  __m256i marks =
-      _mm256_xor_si256(_mm256_and_si256(two, lanesOf(0x80C00000)), _mm256_and_si256(three, lanesOf(0x0040E000)));
-  __m256i odd = _mm256_xor_si256(two, three);  // the length less one is odd
-  if constexpr (kSupplementary) {
-    const __m256i four = _mm256_cmpgt_epi32(codes, lanesOf(0xFFFF));
-    lanes = _mm256_or_si256(lanes, _mm256_srli_epi32(codes, 18));
-    marks = _mm256_xor_si256(marks, _mm256_and_si256(four, lanesOf(0x000060F0)));
-    odd = _mm256_xor_si256(odd, four);
-  }
+  const __m256i marks2 = _mm256_and_si256(two, lanesOf(0x80C00000)), to3 = _mm256_and_si256(three, lanesOf(0x0040E000));
+  const __m256i marks = _mm256_xor_si256(_mm256_xor_si256(marks2, to3), _mm256_and_si256(four, lanesOf(0x000060F0)));
   lanes = _mm256_or_si256(lanes, marks);
-  const u32 bits0 = static_cast<u32>(_mm256_movemask_ps(_mm256_castsi256_ps(odd)));
-  const u32 bits1 = static_cast<u32>(_mm256_movemask_ps(_mm256_castsi256_ps(three)));
-  const u32 size = putLanes(_mm256_castsi256_si128(lanes), bits0 & 15, bits1 & 15, out);
-  return size + putLanes(_mm256_extracti128_si256(lanes, 1), bits0 >> 4, bits1 >> 4, out + size);
+  const __m256i odd = _mm256_xor_si256(_mm256_xor_si256(two, three), four);  // the length less one is odd
+  const u32 bit0 = static_cast<u32>(_mm256_movemask_ps(_mm256_castsi256_ps(odd)));
+  const u32 bit1 = static_cast<u32>(_mm256_movemask_ps(_mm256_castsi256_ps(three)));
+  const u32 size = putLanes(_mm256_castsi256_si128(lanes), kTailsOfLengths, (bit0 & 0x0F) | (bit1 << 4 & 0xF0), out);
+  return size + putLanes(_mm256_extracti128_si256(lanes, 1), kTailsOfLengths, bit0 >> 4 | (bit1 & 0xF0), out + size);
+}
+
+// Writes sixteen characters up to U+FFFF.
+[[VARNIK_AVX2]] inline u32 putSixteen(__m256i units, u8* out) {
+  const __m256i zero = _mm256_setzero_si256();
+  const __m256i ascii = _mm256_cmpeq_epi16(_mm256_and_si256(units, unitsOf(0xFF80)), zero);
+  const __m256i narrow = _mm256_cmpeq_epi16(_mm256_and_si256(units, unitsOf(0xF800)), zero);
+  const __m256i low = _mm256_or_si256(unitsOf(0x3F), _mm256_and_si256(ascii, unitsOf(0x40)));
+  const __m256i last = _mm256_or_si256(_mm256_and_si256(units, low), _mm256_andnot_si256(ascii, unitsOf(0x80)));
+  const __m256i middleMark = _mm256_or_si256(unitsOf(0x80), _mm256_and_si256(narrow, unitsOf(0x40)));
+  const __m256i middle = _mm256_or_si256(_mm256_and_si256(_mm256_srli_epi16(units, 6), unitsOf(0x3F)), middleMark);
+  const __m256i lead = _mm256_or_si256(_mm256_and_si256(_mm256_srli_epi16(units, 4), unitsOf(0x0F00)), unitsOf(0xE000));
+  const __m256i tail = _mm256_or_si256(middle, _mm256_slli_epi16(last, 8));
+  const __m256i even = _mm256_unpacklo_epi16(lead, tail), odd = _mm256_unpackhi_epi16(lead, tail);
+  const u32 kinds = bitsOf(_mm256_packs_epi16(ascii, narrow));  // 8 bits of each for the first half, then the second
+  u32 at = putLanes(_mm256_castsi256_si128(even), kTailsOfKinds, (kinds & 0x0F) | (kinds >> 4 & 0xF0), out);
+  at += putLanes(_mm256_castsi256_si128(odd), kTailsOfKinds, (kinds >> 4 & 0x0F) | (kinds >> 8 & 0xF0), out + at);
+  at +=
+      putLanes(_mm256_extracti128_si256(even, 1), kTailsOfKinds, (kinds >> 16 & 0x0F) | (kinds >> 20 & 0xF0), out + at);
+  return at + putLanes(_mm256_extracti128_si256(odd, 1), kTailsOfKinds, (kinds >> 20 & 0x0F) | (kinds >> 24 & 0xF0),
+                       out + at);
 }
 
 // Writes eight of the units that putNarrow has spread; a set bit in `ascii` is a character of one byte.
@@ -118,18 +132,23 @@ struct Done {
       _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(kKeptLanes[low ^ 0xFF].data())));
   const __m256i isKept = _mm256_cmpgt_epi32(lanesOf(8), order);
   const __m256i kept = _mm256_and_si256(_mm256_permutevar8x32_epi32(codes, order), isKept);
-  return putEight<true>(kept, out) - static_cast<u32>(__builtin_popcount(low));
+  return putEight(kept, out) - static_cast<u32>(__builtin_popcount(low));
 }
 
 // A block with surrogates in it. One that the end of the block parts from its other half is left for the next block.
-template <class From>
-[[VARNIK_AVX2]] inline Done putWithPairs(const u8* p, __m256i units, u8* out) {
+[[VARNIK_AVX2]] inline Done putWithPairs(__m256i units, u8* out) {
+  constexpr u32 kLast = 0xC0000000;  // two bits a unit
   const __m256i kind = _mm256_and_si256(units, unitsOf(0xFC00));
-  const u32 highs = bitsOf(_mm256_cmpeq_epi16(kind, unitsOf(0xD800)));  // two bits a unit
+  const u32 highs = bitsOf(_mm256_cmpeq_epi16(kind, unitsOf(0xD800)));
   const u32 lows = bitsOf(_mm256_cmpeq_epi16(kind, unitsOf(0xDC00)));
   if (highs << 2 != lows) return {};
-  const bool isCut = highs >> 31 != 0;
-  const __m256i next = loadUnits<From>(p + 2);
+  if (highs == kLast) {  // nothing but that one: a zero in its place is one byte that does not count
+    const __m256i others = _mm256_blend_epi16(units, _mm256_setzero_si256(), 0x80);
+    const __m256i whole = _mm256_blend_epi32(units, others, 0xF0);
+    return {kBlock - 2, putSixteen(whole, out) - 1};
+  }
+  const bool isCut = (highs & kLast) != 0;
+  const __m256i next = without<2>(units);
   const u32 low = _pext_u32(lows, 0x55555555) | (isCut ? 0x8000u : 0);  // what is cut is dropped like a second unit
   const u32 size = putEightWithPairs(lowHalf(units), lowHalf(next), low & 0xFF, out);
   return {kBlock - (isCut ? 2 : 0), size + putEightWithPairs(highHalf(units), highHalf(next), low >> 8, out + size)};
@@ -139,11 +158,9 @@ template <class From>
   return bitsOf(_mm256_cmpeq_epi16(_mm256_and_si256(units, unitsOf(0xF800)), unitsOf(0xD800))) != 0;
 }
 
-template <class From>
-[[VARNIK_AVX2]] inline Done putBlock16(const u8* p, __m256i units, u8* out) {
-  if (haveSurrogates(units)) return putWithPairs<From>(p, units, out);
-  const u32 size = putEight<false>(lowHalf(units), out);
-  return {kBlock, size + putEight<false>(highHalf(units), out + size)};
+[[VARNIK_AVX2]] inline Done putBlock16(__m256i units, u8* out) {
+  if (haveSurrogates(units)) return putWithPairs(units, out);
+  return {kBlock, putSixteen(units, out)};
 }
 
 [[VARNIK_AVX2]] inline Done putBlock32(__m256i codes, u8* out) {
@@ -151,13 +168,13 @@ template <class From>
   const __m256i inRange = _mm256_cmpeq_epi32(_mm256_max_epu32(codes, last), last);
   const __m256i surrogate = _mm256_cmpeq_epi32(_mm256_and_si256(codes, lanesOf(0xFFFFF800)), lanesOf(0xD800));
   if (bitsOf(_mm256_andnot_si256(surrogate, inRange)) != 0xFFFFFFFF) return {};
-  return {kBlock, putEight<true>(codes, out)};
+  return {kBlock, putEight(codes, out)};
 }
 
 template <class From>
-[[VARNIK_AVX2]] inline Done putBlock(const u8* p, __m256i units, u8* out) {
+[[VARNIK_AVX2]] inline Done putBlock(__m256i units, u8* out) {
   if constexpr (kIsWide<From>) return putBlock32(units, out);
-  return putBlock16<From>(p, units, out);
+  return putBlock16(units, out);
 }
 
 template <class From>
@@ -191,70 +208,110 @@ template <class From>
 
 // Takes the blocks of ASCII at the front.
 template <class From>
-[[VARNIK_AVX2]] inline void takeAscii(UtfCursor& c) {
+[[VARNIK_AVX2]] inline void takeAscii(Stretch& s) {
   constexpr u32 kCharacters = kBlock / sizeof(typename From::Unit);
-  while (c.left() >= 4 * kBlock && c.roomLeft() >= kRoom) {
-    const u8* const p = c.in + c.read;
-    const __m256i k = loadUnits<From>(p), l = loadUnits<From>(p + 32);
-    const __m256i m = loadUnits<From>(p + 64), n = loadUnits<From>(p + 96);
+  while (s.left >= 4 * kBlock && s.room >= kRoom) {
+    const __m256i k = loadUnits<From>(s.in), l = loadUnits<From>(s.in + 32);
+    const __m256i m = loadUnits<From>(s.in + 64), n = loadUnits<From>(s.in + 96);
     if (!isAscii<From>(_mm256_or_si256(_mm256_or_si256(k, l), _mm256_or_si256(m, n)))) break;
-    putAscii4<From>(k, l, m, n, c.out + c.written);
-    c.read += 4 * kBlock;
-    c.written += 4 * kCharacters;
+    putAscii4<From>(k, l, m, n, s.out);
+    s.advance(4 * kBlock, 4 * kCharacters);
   }
-  while (c.left() >= kBlock && c.roomLeft() >= kRoom) {
-    const __m256i units = loadUnits<From>(c.in + c.read);
-    if (!isAscii<From>(units)) return;
-    putAscii<From>(units, c.out + c.written);
-    c.read += kBlock;
-    c.written += kCharacters;
+  while (s.left >= kBlock && s.room >= kRoom) {
+    const __m256i units = loadUnits<From>(s.in);
+    if (!isAscii<From>(units)) break;
+    putAscii<From>(units, s.out);
+    s.advance(kBlock, kCharacters);
   }
 }
 
-// Takes blocks of any characters, up to some of ASCII in a row. False when a character does not fit.
-template <class From>
-[[VARNIK_AVX2]] inline bool takeOthers(UtfCursor& c) {
-  u32 ascii = 0, narrow = 0;
-  while (ascii < kAsciiRun && c.left() >= kLookAhead && c.roomLeft() >= kRoom) {
-    const u8* const p = c.in + c.read;
-    const __m256i units = loadUnits<From>(p);
-    ascii = isAscii<From>(units) ? ascii + 1 : 0;
-    Done done;
-    if constexpr (!kIsWide<From>) {
-      narrow = isClear(units, unitsOf(0xF800)) ? narrow + 1 : 0;
-      if (narrow > kNarrowRun) done = {kBlock, putNarrow(units, c.out + c.written)};
-    }
-    if (narrow <= kNarrowRun) done = putBlock<From>(p, units, c.out + c.written);
-    c.read += done.read;
-    c.written += done.written;
-    if (done.read == 0 && !convertTo<From, Utf8>(c, c.read + kBlock)) return false;
-  }
-  return true;
+// Two blocks of UTF-32 as one of UTF-16, if no character in them is above U+FFFF.
+[[VARNIK_AVX2]] inline bool narrowed(__m256i a, __m256i b, __m256i& units) {
+  units = _mm256_permute4x64_epi64(_mm256_packus_epi32(a, b), 0xD8);
+  return isClear(_mm256_or_si256(a, b), lanesOf(0xFFFF0000)) && !haveSurrogates(units);
 }
 
-// What is too short for a block that looks ahead.
+// Takes blocks of characters below U+0800, up to some of ASCII in a row.
 template <class From>
-[[VARNIK_AVX2]] inline void takeTail(UtfCursor& c) {
+[[VARNIK_AVX2]] inline void takeNarrow(Stretch& s) {
+  for (u32 ascii = 0; ascii < kAsciiRun && s.left >= kBlock && s.room >= kRoom;) {
+    const __m256i units = loadUnits<From>(s.in);
+    if (!isClear(units, unitsOf(0xF800))) break;
+    const u32 size = putNarrow(units, s.out);
+    ascii = size == kBlock / 2 ? ascii + 1 : 0;
+    s.advance(kBlock, size);
+  }
+}
+
+// Converts a block in which something is bad; false when a character does not fit.
+template <class From>
+bool takeBad(Stretch& s, UtfCursor& c) {
+  s.save(c);
+  const bool fits = convertTo<From, Utf8>(c, c.read + kBlock);
+  s = Stretch(c);
+  return fits;
+}
+
+// Take blocks of any characters, up to some in a row that another gear is for. False when a character does not fit.
+template <class From>
+[[VARNIK_AVX2]] inline bool takeOthers16(Stretch& s, UtfCursor& c) {
+  bool fits = true;
+  for (u32 narrow = 0; fits && narrow < kNarrowRun && s.left >= kBlock && s.room >= kRoom;) {
+    const __m256i units = loadUnits<From>(s.in);
+    narrow = isClear(units, unitsOf(0xF800)) ? narrow + 1 : 0;
+    const Done done = putBlock16(units, s.out);
+    s.advance(done.read, done.written);
+    if (done.read == 0) fits = takeBad<From>(s, c);
+  }
+  return fits;
+}
+
+template <class From>
+[[VARNIK_AVX2]] inline bool takeOthers32(Stretch& s, UtfCursor& c) {
+  bool fits = true;
+  for (u32 ascii = 0; fits && ascii < kAsciiRun && s.left >= 2 * kBlock && s.room >= kRoom;) {
+    const __m256i first = loadUnits<From>(s.in), second = loadUnits<From>(s.in + kBlock);
+    ascii = isAscii<From>(_mm256_or_si256(first, second)) ? ascii + 1 : 0;
+    __m256i units;
+    const Done done =
+        narrowed(first, second, units) ? Done{2 * kBlock, putSixteen(units, s.out)} : putBlock32(first, s.out);
+    s.advance(done.read, done.written);
+    if (done.read == 0) fits = takeBad<From>(s, c);
+  }
+  return fits;
+}
+
+// Takes the last units, of which there may be too few for a block.
+template <class From>
+[[VARNIK_AVX2]] inline void takeLast(Stretch& s) {
   constexpr u32 kUnit = sizeof(typename From::Unit);
-  const u32 rest = c.left() / kUnit * kUnit;
-  if (rest == 0 || rest > kBlock || c.roomLeft() < kRoom) return;
-  alignas(32) u8 padded[2 * kBlock] = {};
-  __builtin_memcpy(padded, c.in + c.read, rest);
-  const Done done = putBlock<From>(padded, loadUnits<From>(padded), c.out + c.written);
-  if (done.read != kBlock) return;
-  c.read += rest;
-  c.written += done.written - (kBlock - rest) / kUnit;
+  while (s.left >= kUnit && s.room >= kRoom) {
+    const u32 size = s.left < kBlock ? s.left / kUnit * kUnit : kBlock;
+    const __m256i block = size < kBlock ? loadUpTo32(s.in, size) : loadBlock(s.in);
+    const Done done = putBlock<From>(unitsIn<From>(block), s.out);
+    if (done.read == 0) return;
+    s.advance(size < kBlock ? size : done.read, done.written - (kBlock - size) / kUnit);
+  }
 }
 
 }  // namespace
 
 template <class From>
 [[VARNIK_AVX2]] void convertToUtf8Avx2(UtfCursor& c) {
-  while (c.left() >= kLookAhead && c.roomLeft() >= kRoom) {
-    takeAscii<From>(c);
-    if (!takeOthers<From>(c)) return;
+  constexpr u32 kStep = kIsWide<From> ? 2 * kBlock : kBlock;
+  Stretch s(c);
+  bool fits = true;
+  while (fits && s.left >= kStep && s.room >= kRoom) {
+    takeAscii<From>(s);
+    if constexpr (kIsWide<From>) {
+      fits = takeOthers32<From>(s, c);
+    } else {
+      takeNarrow<From>(s);
+      fits = takeOthers16<From>(s, c);
+    }
   }
-  takeTail<From>(c);
+  takeLast<From>(s);
+  s.save(c);
   convertTo<From, Utf8>(c, c.n);
 }
 

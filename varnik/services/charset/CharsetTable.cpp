@@ -134,6 +134,12 @@ constexpr bool isSorted() {
 }
 static_assert(isSorted());
 
+constexpr const CharsetInfo* place(s32 id) {
+  const CharsetInfo* at = kCharsets;
+  while (at->id != id) ++at;
+  return at;
+}
+
 const CharsetInfo* find(s32 id) {
   const CharsetInfo* const at =
       std::lower_bound(std::begin(kCharsets), std::end(kCharsets), CharsetInfo{id, {}, {}, {}}, isBelow);
@@ -143,6 +149,13 @@ const CharsetInfo* find(s32 id) {
 }  // namespace
 
 const CharsetInfo* charsetByCodePage(s32 codePage) {
+  // Those that most calls ask for are not looked up.
+  static constexpr s32 kOften[] = {65001, 1200, 1201, 12000, 12001, 1252, 28591};
+  static constexpr const CharsetInfo* kWhere[] = {place(kOften[0]), place(kOften[1]), place(kOften[2]),
+                                                  place(kOften[3]), place(kOften[4]), place(kOften[5]),
+                                                  place(kOften[6])};
+  for (u32 i = 0; i < std::size(kOften); ++i)
+    if (kOften[i] == codePage) return kWhere[i];
   return codePage > 0 ? find(codePage) : nullptr;
 }
 

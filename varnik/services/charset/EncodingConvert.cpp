@@ -24,15 +24,28 @@ vk_simd::Utf formOf(Kind kind) {
   return static_cast<vk_simd::Utf>(kind);
 }
 
+template <std::size_t kSize>
+u32 sizeAtHead(const char (&mark)[kSize], Text text) {
+  constexpr u32 kMark = kSize - 1;
+  return text.size >= kMark && __builtin_memcmp(text.data, mark, kMark) == 0 ? kMark : 0;
+}
+
 // The length of the byte-order mark at the head of a text in a Unicode form; 0 where there is none.
 u32 markSize(Kind kind, Text text) {
-  static constexpr struct {
-    u8 size, bytes[4];
-  } kMarks[] = {
-      {3, {0xEF, 0xBB, 0xBF}}, {2, {0xFF, 0xFE}}, {2, {0xFE, 0xFF}}, {4, {0xFF, 0xFE, 0, 0}}, {4, {0, 0, 0xFE, 0xFF}}};
-  if (!isUnicode(kind)) return 0;
-  const auto& mark = kMarks[static_cast<u8>(kind)];
-  return text.size >= mark.size && vk_memcmp(text.data, mark.bytes, mark.size) == 0 ? mark.size : 0;
+  switch (kind) {
+    case Kind::kUtf8:
+      return sizeAtHead("\xEF\xBB\xBF", text);
+    case Kind::kUtf16Le:
+      return sizeAtHead("\xFF\xFE", text);
+    case Kind::kUtf16Be:
+      return sizeAtHead("\xFE\xFF", text);
+    case Kind::kUtf32Le:
+      return sizeAtHead("\xFF\xFE\0\0", text);
+    case Kind::kUtf32Be:
+      return sizeAtHead("\0\0\xFE\xFF", text);
+    default:
+      return 0;
+  }
 }
 
 bool hasAsciiBytes(Kind kind) {

@@ -10,16 +10,25 @@ namespace vk_simd {
 using Shuffle = std::array<u8, 16>;
 constexpr u8 kNothing = 0x80;  // the index that makes a shuffle write zero
 
-/// Four lanes of four bytes, of which the last 1 to 4 stay. Lane k keeps 1 + (bit k) + 2 * (bit 4 + k) bytes.
-constexpr std::array<Shuffle, 256> makeLaneTails() {
-  std::array<Shuffle, 256> table{};
+/// Shuffles, and how many bytes each keeps.
+struct TailTable {
+  alignas(64) std::array<Shuffle, 256> order;
+  std::array<u8, 256> size;
+};
+
+/// Four lanes of four bytes, of which the last 1 to 4 stay; `sizeOf(low, high)` tells how many, from bits k and 4 + k
+/// of the index.
+template <class SizeOf>
+constexpr TailTable makeLaneTails(SizeOf sizeOf) {
+  TailTable table{};
   for (u32 index = 0; index < 256; ++index) {
     u32 at = 0;
     for (u32 lane = 0; lane < 4; ++lane) {
-      const u32 size = 1 + (index >> lane & 1) + 2 * (index >> (4 + lane) & 1);
-      for (u32 i = 4 - size; i < 4; ++i) table[index][at++] = static_cast<u8>(4 * lane + i);
+      const u32 size = sizeOf(index >> lane & 1, index >> (4 + lane) & 1);
+      for (u32 i = 4 - size; i < 4; ++i) table.order[index][at++] = static_cast<u8>(4 * lane + i);
     }
-    while (at < 16) table[index][at++] = kNothing;
+    table.size[index] = static_cast<u8>(at);
+    while (at < 16) table.order[index][at++] = kNothing;
   }
   return table;
 }
@@ -65,7 +74,9 @@ constexpr std::array<std::array<u8, 8>, 256> makeKeptLanes() {
   return table;
 }
 
-alignas(64) inline constexpr std::array<Shuffle, 256> kLaneTails = makeLaneTails();
+/// By two bits of the length less one; by whether the character is ASCII, and whether it is below U+0800.
+inline constexpr TailTable kTailsOfLengths = makeLaneTails([](u32 bit0, u32 bit1) { return 1 + bit0 + 2 * bit1; });
+inline constexpr TailTable kTailsOfKinds = makeLaneTails([](u32 ascii, u32 narrow) { return 3 - ascii - narrow; });
 alignas(64) inline constexpr std::array<Shuffle, 256> kKeptPairs = makeKeptPairs();
 alignas(64) inline constexpr std::array<Shuffle, 256> kPairTails = makePairTails();
 alignas(64) inline constexpr std::array<std::array<u8, 8>, 256> kKeptLanes = makeKeptLanes();

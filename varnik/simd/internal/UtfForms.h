@@ -115,13 +115,15 @@ using Utf16Be = Utf16<std::endian::big>;
 using Utf32Le = Utf32<std::endian::little>;
 using Utf32Be = Utf32<std::endian::big>;
 
-/// A conversion on its way.
+/// A conversion on its way. The two counts do not stand side by side: read as one word right after they were written
+/// one by one, they would cost more than a short text does.
 struct UtfCursor {
+  UtfCursor(const u8* from, u32 size, u8* to, u32 space) : in(from), n(size), out(to), room(space) {}
+
   const u8* in;
-  u32 n;
+  u32 n, read = 0;
   u8* out;
-  u32 room;
-  u32 read = 0, written = 0;
+  u32 room, written = 0;
   bool bad = false;
 
   u32 left() const { return n - read; }
