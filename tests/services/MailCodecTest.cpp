@@ -40,10 +40,10 @@ TEST(QuotedPrintable, WritesWhatTheStandardSays) {
 
 TEST(QuotedPrintable, TakesUnusableLineLengthsAsTheDefault) {
   const std::string bytes = randomBytes(500);
-  for (const s32 length : {0, 1, 3, -1, -5, -2147483647 - 1})
+  for (const s32 length : {0, 1, 3, -1, -5, 2147483647, -2147483647 - 1})
     EXPECT_EQ(quotedText(bytes, static_cast<u32>(length)), quotedText(bytes)) << length;
   EXPECT_EQ(quotedText("\xFF\xFF", 4), "=FF=\r\n=FF");
-  EXPECT_EQ(quotedText(std::string(1000, 'x'), 0x7FFFFFFF).size(), 1000u);
+  EXPECT_EQ(quotedText(std::string(1000, 'x'), 0x7FFFFFFE).size(), 1000u);
 }
 
 TEST(QuotedPrintable, KeepsEveryLineLengthAndGivesTheBytesBack) {

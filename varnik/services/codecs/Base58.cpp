@@ -97,7 +97,7 @@ u8* putFive(u32 value, u8* end) {
 u32 putSmall(const u8* data, u32 n, u8* to) {
   constexpr u32 kRoundBits = 58;
   u64 limbs[kSmallBytes / 8];
-  u8 chars[kSmallDigits + 12];
+  u8 chars[kSmallDigits + 12] = {};
   vk_num::bytesToLimbs(data, n, limbs);
   u8* p = chars + sizeof chars;
   for (s32 bits = static_cast<s32>(8 * n); bits > 0; bits -= kRoundBits) {

@@ -17,7 +17,7 @@ class StringBuffer;
 class VARNIK_API ContentEncoder {
  public:
   /// Sets the most characters that an encoded line holds, its line end not counted; 76 at first. Values below 4 and
-  /// values from 2^31 up (a negative number) mean 76.
+  /// values from 2^31 - 1 up (a negative number, or one that was too large) mean 76.
   void setLineLength(u32 length);
 
   // ---- base64 (RFC 4648 sections 4 and 5, RFC 2045 section 6.8): Base64.cpp ----
@@ -56,10 +56,12 @@ class VARNIK_API ContentEncoder {
 
   // ---- quoted-printable (RFC 2045 section 6.7): QuotedPrintable.cpp ----
 
-  /// CR LF pairs stay as line breaks; soft line breaks keep every line within the object's length.
+  /// CR LF pairs stay as line breaks, a lone CR or LF is escaped; soft line breaks keep every line within the object's
+  /// length.
   bool encodeQuotedPrintable(const u8* data, u32 n, StringBuffer& out) const;
-  /// Decodes what mail really holds: soft breaks with blanks behind the `=`, lower-case digits, bare LF; a `=` that
-  /// begins no escape stays as it is. True unless memory runs out.
+  /// Decodes what mail really holds: soft breaks with blanks behind the `=`, lower-case digits, bare LF. Blanks before
+  /// a line end and at the end of the text are dropped, as the standard advises; a `=` that begins no escape stays as
+  /// it is. True unless memory runs out.
   bool decodeQuotedPrintable(const char* text, u32 n, DataBuffer& out) const;
 
   // ---- encoded words (RFC 2047): EncodedWord.cpp ----
@@ -69,7 +71,9 @@ class VARNIK_API ContentEncoder {
   static bool encodeWordB(const u8* data, u32 n, const char* charset, StringBuffer& out);
   static bool encodeWordQ(const u8* data, u32 n, const char* charset, StringBuffer& out);
   /// Appends the UTF-8 text of a header value: encoded words of either form in any known charset, adjacent words of one
-  /// charset joined before conversion and the white space between words dropped; other text is copied.
+  /// charset joined before conversion and the white space between words dropped; other text is copied, and so are words
+  /// labelled UTF-8, whatever their bytes. False when a word is in a charset that is not known (it stays as it stands)
+  /// or its content is bad (decoded as far as that goes); all the rest is decoded in either case.
   static bool decodeId26(const StringBuffer& text, DataBuffer& out, LogBase& log);
 
   // ---- eda, hex to be read aloud: Eda.cpp ----
@@ -78,7 +82,10 @@ class VARNIK_API ContentEncoder {
   static bool encodeEda(const u8* data, u32 n, StringBuffer& out);
 
   // ---- uuencoded text: Uu.cpp ----
-  /// Reads what `Uu` writes.
+
+  /// Text before the `begin` line and behind the `end` line is passed over, and the name in the former never used.
+  /// Lines may end in LF or CR LF and may have lost blanks at their end; a blank and a grave accent both mean zero.
+  /// False without either of the two lines, too. Reads what `Uu` writes.
   static bool decodeId37(const char* text, DataBuffer& out, LogBase& log);
 
  private:
