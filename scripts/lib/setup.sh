@@ -14,7 +14,7 @@ fail() {
 is_there() {
   case $1 in
     g++) command -v c++ || command -v g++ ;;
-    cmake | clang | ccache | python3) command -v "$1" ;;
+    cmake | clang | ccache | python3 | gdb) command -v "$1" ;;
     ninja-build) command -v ninja ;;
     clang-format-14) command -v clang-format-14 ;;
     clang-tidy-14) command -v clang-tidy-14 ;;
@@ -24,6 +24,7 @@ is_there() {
     libcli11-dev) has_header CLI/CLI.hpp ;;
     libgtest-dev) has_header gtest/gtest.h ;;
     libbenchmark-dev) has_header benchmark/benchmark.h ;;
+    libfmt-dev) has_header fmt/core.h ;;
     *) dpkg -s "$1" ;;
   esac >/dev/null 2>&1
 }
