@@ -10,7 +10,7 @@ namespace {
 thread_local u32 countdown = 0;  // refuses when it falls to 1; 0 is unarmed
 thread_local bool refusesForGood = false, hasStruck = false;
 thread_local s64 live = 0;
-thread_local u64 asked = 0, last = 0;
+thread_local u64 asked = 0, sum = 0, last = 0;
 thread_local const void* watched = nullptr;
 thread_local u32 watchedSize = 0;
 thread_local bool wasReleased = false;
@@ -29,6 +29,7 @@ void* allocate(std::size_t n) noexcept {
   if (block) {
     ++live;
     ++asked;
+    sum += n;
     last = n;
   }
   return block;
@@ -116,6 +117,9 @@ s64 liveBlocks() {
 }
 u64 allocations() {
   return asked;
+}
+u64 allocatedBytes() {
+  return sum;
 }
 u64 lastAllocation() {
   return last;

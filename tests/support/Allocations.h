@@ -37,6 +37,8 @@ class WatchRelease {
 s64 liveBlocks();
 /// How many blocks this thread has asked for since it started.
 u64 allocations();
+/// The sum of their sizes.
+u64 allocatedBytes();
 /// The size of the block that this thread asked for last.
 u64 lastAllocation();
 

@@ -1,0 +1,143 @@
+// The work of an operation grows as its input does. Bytes and blocks allocated may grow 2.2 times for twice the input,
+// taken over six doublings because growth comes in steps; the processor's time, which is not so exact, must not grow a
+// hundredfold for sixteen times the input.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <ctime>
+#include <functional>
+#include <vector>
+
+#include "tests/support/Allocations.h"
+#include "tests/support/Bytes.h"
+#include "varnik/services/codecs/internal/EncodingTable.h"
+
+namespace {
+
+struct Work {
+  std::string what, unit;  // the input repeats the unit; it is random where there is none
+  std::function<void(const std::string&)> run;
+  bool isLinear = true;  // else n log^2 n, for large numbers; or it grows by the buffer's own steps
+};
+
+std::string inputOf(const std::string& unit, std::size_t n) {
+  if (unit.empty()) return randomBytes(n);
+  std::string input;
+  while (input.size() < n) input += unit;
+  return input;
+}
+
+template <class Call>
+auto onBuffer(Call call) {
+  return [call](const std::string& input) {
+    LogNull log;
+    DataBuffer b;
+    std::string lent = input;
+    b.borrowData(lent.data(), countOf(lent));
+    call(b, log);
+  };
+}
+
+std::vector<Work> textWorks() {
+  const auto xml = onBuffer([](DataBuffer& b, LogBase& log) { b.convertXmlToUtf8(log); });
+  const auto search = [](std::string pattern) {
+    return onBuffer(
+        [pattern](DataBuffer& b, LogBase&) { b.findBytes(bytesOf(pattern), static_cast<s32>(pattern.size())); });
+  };
+  return {
+      {"convertXmlToUtf8", "<?xml encoding=", xml},
+      {"convertXmlToUtf8", "<?xml encoding='koi8-r'?>\xC1", xml},
+      {"getXmlCharset", "encoding = ", onBuffer([](DataBuffer& b, LogBase&) {
+         StringBuffer name;
+         b.getXmlCharset(name);
+       })},
+      {"stripTerminalColorCodes", "\x1b[", onBuffer([](DataBuffer& b, LogBase&) { b.stripTerminalColorCodes(); })},
+      {"stripTerminalColorCodes", "\x1b\x37\x1b[r",
+       onBuffer([](DataBuffer& b, LogBase&) { b.stripTerminalColorCodes(); })},
+      {"processRawPopMime", "\n..", onBuffer([](DataBuffer& b, LogBase&) { b.processRawPopMime(); })},
+      {"consumeUtf8CombiningMarks", "e\xCC\x81",
+       onBuffer([](DataBuffer& b, LogBase&) { b.consumeUtf8CombiningMarks(); })},
+      {"findBytes", "a", search(std::string(40, 'a') + "b")},
+      {"findBytes", "ab", search("b" + std::string(40, 'a'))},
+      {"replaceAllOccurances", "ab",
+       onBuffer([](DataBuffer& b, LogBase&) { b.replaceAllOccurances(bytesOf("a"), 1, bytesOf("c"), 1); })},
+      {"StringBuffer::replaceAllOccurances", "ab",
+       [](const std::string& input) {
+         StringBuffer text;
+         text.appendN(input.data(), countOf(input));
+         text.replaceAllOccurances("a", "longer");
+       }},
+      {"queue", "x",
+       [](const std::string& input) {
+         DataBufferView view;
+         u8 out[100];
+         view.append(input.data(), countOf(input));
+         while (view.takeBytes(sizeof out, out)) {
+         }
+       }},
+      {"charset", "caf\xC3\xA9 \xE6\x97\xA5", onBuffer([](DataBuffer& b, LogBase& log) {
+         DataBuffer out;
+         for (const s32 page : {1252, 932, 1200, 54936, 65000, 50220}) {
+           out.clear();
+           _vkEncodingConvert().EncConvert(65001, page, b.getData2(), b.size(), out, log);
+         }
+       })},
+  };
+}
+
+std::vector<Work> works() {
+  std::vector<Work> all = textWorks();
+  for (const auto& row : vk_codec::encodingNames()) {
+    const std::string name(row.name);
+    const bool isLinear = name != "decimal" && name != "base58";
+    const auto encode = [name](const std::string& bytes) {
+      StringBuffer text;
+      DataBuffer::encodeDB2(name.c_str(), bytesOf(bytes), countOf(bytes), text);
+    };
+    const auto decode = [name](const std::string& text) { DataBuffer().appendEncoded(text.c_str(), name.c_str()); };
+    for (const char* unit : {"", " \r\n"}) all.push_back({"encode " + name, unit, encode, isLinear});
+    for (const char* unit : {"1", "=?", "=?utf-8?Q?a?= ", "begin 644 x\n", "&#xD;", "%4\\u1=\r\n", "256 ,"})
+      all.push_back({"decode " + name, unit, decode, isLinear && name != "declist"});
+  }
+  return all;
+}
+
+TEST(Work, AllocatesInProportion) {
+  for (const Work& work : works()) {
+    u64 blocks[2], bytes[2];
+    for (u32 i = 0; i < 2; ++i) {
+      const std::string input = inputOf(work.unit, std::size_t{20'000} << 6 * i);
+      work.run(input.substr(0, 10));  // what the services keep is made
+      blocks[i] = faults::allocations();
+      bytes[i] = faults::allocatedBytes();
+      work.run(input);
+      blocks[i] = faults::allocations() - blocks[i];
+      bytes[i] = faults::allocatedBytes() - bytes[i];
+    }
+    const double most = std::pow(work.isLinear ? 2.2 : 3.0, 6);
+    const auto limit = [most](u64 n) { return most * static_cast<double>(n); };
+    EXPECT_LE(static_cast<double>(blocks[1]), limit(blocks[0]) + 4) << work.what << " of " << work.unit;
+    EXPECT_LE(static_cast<double>(bytes[1]), limit(bytes[0]) + 25'000) << work.what << " of " << work.unit;
+  }
+}
+
+double secondsOf(const Work& work, const std::string& input) {
+  double best = 1e9;
+  for (u32 i = 0; i < 3; ++i) {
+    const std::clock_t start = std::clock();
+    work.run(input);
+    best = std::min(best, static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC);
+  }
+  return best;
+}
+
+TEST(Work, TakesNoQuadraticTime) {
+  for (const Work& work : works()) {
+    const double small = secondsOf(work, inputOf(work.unit, 1u << 14));
+    const double large = secondsOf(work, inputOf(work.unit, 1u << 18));
+    EXPECT_LE(large, 100 * small + 0.02) << work.what << " of " << work.unit << ": " << small << " s, " << large
+                                         << " s";
+  }
+}
+
+}  // namespace
