@@ -3,7 +3,7 @@
 
 #include <cstdlib>
 
-/// True when the environment asks for the long forms: VARNIK_SOAK is set and not empty (scripts/soak sets it).
+/// True when the environment asks for the long forms: VARNIK_SOAK is set and not empty.
 inline bool soaks() {
   const char* const value = std::getenv("VARNIK_SOAK");
   return value && *value;
