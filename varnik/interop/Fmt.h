@@ -1,5 +1,5 @@
 // Formatting by the library fmt (https://fmt.dev), for those who have it: varnik itself does not need it. Both take the
-// format specification of a text: width, fill, precision.
+// format of a text: width, fill, precision.
 //
 //   fmt::print("{:>12}|{}\n", text, bytes);
 //
