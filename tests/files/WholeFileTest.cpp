@@ -2,10 +2,12 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstring>
 #include <filesystem>
 
 #include "tests/support/Allocations.h"
 #include "tests/support/Bytes.h"
+#include "tests/support/GuardedBytes.h"
 #include "tests/support/SystemCalls.h"
 #include "tests/support/TempFolder.h"
 
@@ -182,6 +184,43 @@ TEST(WholeFile, KeepsWhatAFailedReadGave) {
     EXPECT_TRUE(isZero(b, 10, 42)) << c.what;
     EXPECT_EQ(log.numErrors(), c.result ? 0u : 1u) << c.what;
   }
+}
+
+// How many bytes of `content` a read of all of them put at an address `offset` bytes behind a page's start before its
+// `k`-th call of the system failed half-way.
+u32 readUntilFault(const std::string& path, const std::string& content, std::size_t offset, u32 k) {
+  XString name;
+  name.setFromUtf8(path.c_str());
+  LogNull log;
+  FileHandle file;
+  int error = -1;
+  EXPECT_TRUE(_vkFileSys::openFileForRead(file, name, false, error, log));
+  GuardedBytes memory(content.size() + 4096);
+  u8* area = memory.starting("") + offset;
+  u32 numRead = 0;
+  bool atEnd = false, done = false;
+  {
+    const faults::FailAllocation refused(k == 0 ? 1 : 0, true);
+    const faults::FailCall armed(Call::kRead, k, false, {Fault::kBreak, EIO});
+    done = file.readBytesToBuf32(area, countOf(content), numRead, atEnd, log);
+    EXPECT_EQ(done, !armed.struck());
+  }
+  EXPECT_EQ(done, numRead == content.size());
+  EXPECT_FALSE(atEnd);
+  EXPECT_EQ(std::memcmp(area, content.data(), numRead), 0);
+  return numRead;
+}
+
+// Where a large area begins decides how it is filled, not what comes of it; nor does memory that is not to be had.
+TEST(WholeFile, ReadsLargeFilesToAnyAddress) {
+  const TempFolder folder;
+  const std::string content = randomBytes(9'000'001), path = writeFile(folder / "f", content);
+  for (const std::size_t offset : {0u, 1u, 16u, 64u, 100u}) {
+    EXPECT_EQ(readUntilFault(path, content, offset, 0), content.size());
+    EXPECT_GT(readUntilFault(path, content, offset, 1), 100'000u);
+    EXPECT_EQ(readUntilFault(path, content, offset, 1000), content.size());
+  }
+  EXPECT_GT(readUntilFault(path, content, 16, 20), 20 * 100'000u);
 }
 
 TEST(WholeFile, SurvivesEachFailure) {
