@@ -174,7 +174,7 @@ TEST(SecretData, WipesWhatWasHandedOutBefore) {
   for (DataBuffer* second : {&key, &wrong}) {
     set(holder, key, "the first secret");
     ASSERT_TRUE(holder.getSecret(key, out, log));
-    set(holder, key, "2nd");
+    set(holder, key, "the second one is longer");
     EXPECT_EQ(seenAtRelease(out.getData2(), 16,
                             [&] {
                               holder.getSecret(*second, out, log);

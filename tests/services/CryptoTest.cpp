@@ -230,6 +230,8 @@ TEST(SymmetricCrypt, WorksInPlaceAndLeavesLentMemoryAlone) {
   EXPECT_TRUE(SymmetricCrypt::encryptBytes(256, nullptr, key, b.getData2(), b.size(), b, log));
   EXPECT_TRUE(SymmetricCrypt::decryptBytes(256, nullptr, key, b.getData2(), b.size(), b, log));
   EXPECT_EQ(textOf(b), "plain text");
+  EXPECT_TRUE(SymmetricCrypt::encryptBytes(256, nullptr, key, bytesOf("plain text"), 10, key, log));
+  EXPECT_EQ(key.size(), 38u);
   char lent[] = "lent to the buffer, and longer than what comes out";
   const std::string before = lent;
   b.borrowData(lent, sizeof lent);
@@ -239,6 +241,24 @@ TEST(SymmetricCrypt, WorksInPlaceAndLeavesLentMemoryAlone) {
   EXPECT_EQ(lent, before);
 }
 
+// A block that is large enough is used again, and nothing of what it held stays behind the new content.
+TEST(SymmetricCrypt, UsesABlockAgain) {
+  DataBuffer key = bufferOf(randomBytes(32));
+  std::string cipher = textOf(encrypted("plain", key));
+  for (const bool isChanged : {false, true}) {
+    DataBuffer out = bufferOf("a secret that lay here before");
+    const u8* block = out.getData2();
+    const u64 before = faults::allocations();
+    if (isChanged) cipher[20] ^= 1;
+    LogNull log;
+    EXPECT_EQ(SymmetricCrypt::decryptBytes(256, nullptr, key, bytesOf(cipher), 33, out, log), !isChanged);
+    EXPECT_EQ(faults::allocations(), before);
+    EXPECT_EQ(textOf(out), isChanged ? "" : "plain");
+    ASSERT_EQ(out.getData2(), block);
+    for (u32 i = out.size(); i < out.getBufSize(); ++i) ASSERT_EQ(block[i], 0) << i;
+  }
+}
+
 // Every allocation fails in turn, our own and libcrypto's: false and nothing in `out`, or the right answer.
 TEST(SymmetricCrypt, SurvivesEachFailure) {
   for (const u32 keySize : {32u, 33u}) {
@@ -246,7 +266,9 @@ TEST(SymmetricCrypt, SurvivesEachFailure) {
     const std::string cipher = textOf(encrypted("plain text", key));
     // Whether both directions worked; `ours` and `library` are the allocations to refuse, 0 none.
     const auto runBoth = [&](u32 ours, bool forGood, u32 library, bool& struck) {
-      DataBuffer out = bufferOf("old"), back = bufferOf("old");
+      DataBuffer out, back;
+      out.copyData("old", 3);  // too small to be used again
+      back.copyData("old", 3);
       LogNull log;
       const s64 held = faults::liveBlocks();
       bool done = false, doneBack = false;

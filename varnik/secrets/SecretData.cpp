@@ -32,8 +32,12 @@ bool SecretData::setSecret(DataBuffer& key, const u8* data, u32 len, LogBase& lo
     log.LogError_lcr("there are no random bytes for a key");
     return false;
   }
-  encrypted_.secureClear();
-  return !data || len == 0 || SymmetricCrypt::encryptBytes(kKeyBits, nullptr, key, data, len, encrypted_, log);
+  if (!data || len == 0) {
+    secureClear();
+    return true;
+  }
+  // This overwrites or wipes what was held, whatever comes of it.
+  return SymmetricCrypt::encryptBytes(kKeyBits, nullptr, key, data, len, encrypted_, log);
 }
 
 bool SecretData::setSecretFromBuffer(DataBuffer& key, DataBuffer& plain) {

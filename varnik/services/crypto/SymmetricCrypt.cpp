@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdint>
 
 #include "varnik/buffer/DataBuffer.h"
 #include "varnik/services/crypto/internal/SystemRandom.h"
@@ -116,34 +117,42 @@ class Gcm {
   EVP_CIPHER_CTX* context_;
 };
 
-// Zeroes the block of a buffer, all of it, unless it is a caller's: what was in use before may lie behind the size.
-void wipe(DataBuffer& b) {
-  if (b.heapUsage() != 0) vk_memset(b.getData2(), 0, b.heapUsage());
+// Zeroes the block of a buffer from offset `from` on, unless it is a caller's. It goes by the capacity: what was in use
+// before may lie behind the size.
+void wipe(DataBuffer& b, u32 from) {
+  if (b.heapUsage() > from) vk_memset(b.getData2() + from, 0, b.heapUsage() - from);
 }
 
-// Exchanges the storage alone. The buffer's own operations that take storage do nothing on a damaged one.
-void handOver(DataBuffer& made, DataBuffer& out) {
-  const u8 flag = out.secure;
-  out.swapData(made);
-  out.secure = flag;
+// Exchanges the storage and nothing else. The buffer's own operations that take storage do nothing on a damaged one.
+void exchangeStorage(DataBuffer& a, DataBuffer& b) {
+  const u8 flagOfA = a.secure, flagOfB = b.secure;
+  a.swapData(b);
+  a.secure = flagOfA;
+  b.secure = flagOfB;
 }
 
-// Makes `out` the output that `produce` writes to a block of `n` bytes, or leaves it empty. What lay in `out` is wiped,
-// the input last: it may be the same.
+bool liesIn(const DataBuffer& b, const u8* address) {
+  const auto first = reinterpret_cast<std::uintptr_t>(b.getData2()), at = reinterpret_cast<std::uintptr_t>(address);
+  return at - first < b.getBufSize();
+}
+
+// Makes `out` the `n` bytes that `produce` writes to a block, or leaves it empty. The block is `out`'s own when it is
+// large enough and holds neither key nor input, so that repeated use allocates nothing; but `out` is without it until
+// the bytes are known to be right. What lay in it before is overwritten or wiped.
 template <class Produce>
-bool replaceBy(DataBuffer& out, u64 n, Produce produce) {
+bool replaceBy(DataBuffer& out, u64 n, const DataBuffer& key, const u8* input, Produce produce) {
   const ErrorMark mark;
   DataBuffer made;
   made.secure = 1;
-  const bool fits = n <= 0xFFFFFFFF && made.reallocate(static_cast<u32>(std::max<u64>(n, 1)));
-  if (fits) made.setDataSize_CAUTION(static_cast<u32>(n));
+  const bool isReused = n != 0 && out.heapUsage() >= n && !liesIn(out, input) && !liesIn(out, key.getData2());
+  if (isReused) exchangeStorage(made, out);
+  const bool fits = n <= 0xFFFFFFFF && made.ensureBuffer(static_cast<u32>(std::max<u64>(n, 1)));
   const bool done = fits && produce(made.getData2());
-  wipe(out);
-  if (done) {
-    handOver(made, out);
-  } else {
-    out.clear();
-  }
+  const u32 size = done ? static_cast<u32>(n) : 0;
+  wipe(made, size);
+  wipe(out, 0);
+  made.setDataSize_CAUTION(size);
+  if (done || isReused) exchangeStorage(made, out);
   return done;
 }
 
@@ -168,7 +177,8 @@ bool SymmetricCrypt::encryptBytes(s32 keyBits, const char* algorithm, DataBuffer
     return vk_fillRandom(to, kIvSize) && gcm.start(key, to, true) && gcm.transform(data, n, to + kIvSize) &&
            gcm.finishAndTell(to + kIvSize + n);
   };
-  const bool done = isKnown(keyBits, algorithm) && (data || n == 0) && replaceBy(out, u64{n} + kOverhead, encrypt);
+  const bool done =
+      isKnown(keyBits, algorithm) && (data || n == 0) && replaceBy(out, u64{n} + kOverhead, key, data, encrypt);
   return conclude(done, "the bytes could not be encrypted", out, log);
 }
 
@@ -180,6 +190,7 @@ bool SymmetricCrypt::decryptBytes(s32 keyBits, const char* algorithm, DataBuffer
     return gcm.start(key, data, false) && gcm.transform(data + kIvSize, length, to) &&
            gcm.finishAndCompare(data + kIvSize + length);
   };
-  const bool done = isKnown(keyBits, algorithm) && data && n >= kOverhead && replaceBy(out, n - kOverhead, decrypt);
+  const bool done =
+      isKnown(keyBits, algorithm) && data && n >= kOverhead && replaceBy(out, n - kOverhead, key, data, decrypt);
   return conclude(done, "the bytes could not be decrypted: changed, cut, or made under another key", out, log);
 }
