@@ -1,6 +1,5 @@
 #include "varnik/services/files/FileHandle.h"
 
-#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -23,14 +22,6 @@ std::uintptr_t roundUp(std::uintptr_t address, u32 to) {
   return (address + to - 1) & ~std::uintptr_t{to - 1};
 }
 
-// Asks for large pages under an area that is about to be filled: a page fault costs more than reading the page. No more
-// than a wish; the system may refuse it.
-void wishForLargePages(u8* area, u32 n) {
-  const auto from = roundUp(reinterpret_cast<std::uintptr_t>(area), kPage);
-  const auto to = (reinterpret_cast<std::uintptr_t>(area) + n) & ~std::uintptr_t{kPage - 1};
-  ::madvise(reinterpret_cast<void*>(from), to - from, MADV_HUGEPAGE);
-}
-
 // Reads from a descriptor, piece by piece. The system copies from whole pages, and on some processors does so several
 // times slower to an area that begins just behind a page's start, where the allocator puts large blocks. Such an area
 // is filled by way of a station that begins with a page.
@@ -38,7 +29,6 @@ class Reader {
  public:
   Reader(int descriptor, u8* area, u32 n) : descriptor_(descriptor) {
     if (n < kBulk) return;
-    wishForLargePages(area, n);
     if (reinterpret_cast<std::uintptr_t>(area) % kLine == 0) return;
     block_.reset(allocByteArray(kStation + kPage));  // without one the plain way is gone
     if (block_) station_ = reinterpret_cast<u8*>(roundUp(reinterpret_cast<std::uintptr_t>(block_.get()), kPage));

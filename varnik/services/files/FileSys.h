@@ -25,7 +25,8 @@ class VARNIK_API _vkFileSys {
   /// Replaces the file's content by `n` bytes at `data`, as a whole or not at all: a temporary file beside the target
   /// is filled, flushed to disk and renamed over it. The mode bits of an existing target are kept; a link is followed;
   /// a device or pipe is written directly; a target that may not be written makes the save fail. On failure the old
-  /// content stands and no temporary is left. True when the bytes are on the disk. `log` may be null.
+  /// content stands and no temporary is left, but for one case: where only the flush of the folder fails, the new
+  /// content is in place and the answer false all the same. True when the bytes are on the disk. `log` may be null.
   static bool writeFileUtf8(const char* path, const u8* data, u32 n, LogBase* log);
 
   /// Fills `path` with the current directory; empties it when the system does not tell. `log` may be null.
