@@ -125,9 +125,10 @@ constexpr s32 kWindows[] = {
 
 TEST(CodePages, KnowsThoseOfWindowsAndNoOthers) {
   for (const s32 page : kWindows) {
-    const Converted there = convert(65001, page, "x=1");
+    const std::string text = page == 20420 ? "x=1" : "x=1\\^~\x1A\x1C\x7F";  // EBCDIC Arabic has fewer
+    const Converted there = convert(65001, page, text);
     EXPECT_TRUE(there.good && !there.text.empty()) << page;
-    EXPECT_EQ(convert(page, 65001, there.text), (Converted{"x=1", true})) << page;
+    EXPECT_EQ(convert(page, 65001, there.text), (Converted{text, true})) << page;
   }
   std::vector<s32> unknown = {-1, -1200, -12000, INT_MIN, INT_MAX, 42, 1199, 1252000, 65002, 99999};
   for (s32 i = 0; i <= 36; ++i) unknown.push_back(i);

@@ -1,6 +1,8 @@
 // The charsets that are not Unicode, and what holds for all conversions.
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "tests/services/CharsetSupport.h"
 #include "tests/support/Allocations.h"
 
@@ -29,7 +31,7 @@ constexpr struct {
     {874, "CP874", "\u0E20\u0E32\u0E29\u0E32\u0E44\u0E17\u0E22 \u20AC"},
     {10000, "MACINTOSH", "caf\u00E9 \u2020 \u221E \uFB01"},
     {37, "CP037", "Hello, World 123 \u00E9\r\n"},
-    {932, "CP932", "\u30C6\u30AD\u30B9\u30C8 ABC \u6587\u5B57 \uFF71\uFF72 \u2460 \u8868\\~ \uFF5E"},
+    {932, "CP932", "\u30C6\u30AD\u30B9\u30C8 ABC \u6587\u5B57 \uFF71\uFF72 \u2460 \u8868\\~ \uFF5E\x1A\x1C\x7F"},
     {936, "CP936", "\u7F13\u51B2\u533A abc \u5B57\u7B26\u7F16\u7801 \u20AC"},
     {949, "CP949", "\uD55C\uAD6D\uC5B4 abc \uBDC1"},
     {950, "CP950", "\u7DE9\u885D\u5340 abc \u6587\u5B57"},
@@ -40,7 +42,7 @@ constexpr struct {
     {51950, "EUC-TW", "\u7DE9\u885D\u5340 abc"},
     {54936, "GB18030", "\u7F13\u51B2 \u00E9 \U0001F600 abc \u0E01"},
     {50220, "ISO-2022-JP", "\u30C6\u30AD\u30B9\u30C8 ABC \u6587\u5B57"},
-    {50225, "ISO-2022-KR", "\uD55C\uAD6D\uC5B4 abc"},
+    {50225, "ISO-2022-KR", "\uD55C\uAD6D\uC5B4 abc\\ \uC5B4"},
     {65000, "UTF-7", "caf\u00E9 + \U0001F600 ~"},
     {50930, "CP930", "\u30C6\u30AD \u6587\u5B57 A1"},
 };
@@ -155,6 +157,19 @@ TEST(Legacy, ATextThatIsCutKeepsItsWholeCharacters) {
       ASSERT_EQ(whole.compare(0, got.text.size(), got.text), 0) << c.name << " " << n;
     }
   }
+}
+
+// Tables are made when they are first asked for: in a process of its own for each test, by all threads at once.
+TEST(Convert, ThreadsMayAskFirstTogether) {
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t)
+    threads.emplace_back([] {
+      for (const auto& c : kSamples) {
+        const std::string there = convert(65001, c.page, c.text).text;
+        EXPECT_EQ(convert(c.page, 65001, there), (Converted{c.text, true})) << c.name;
+      }
+    });
+  for (auto& thread : threads) thread.join();
 }
 
 TEST(Convert, AppendsAndLeavesWhatWasThere) {

@@ -10,6 +10,7 @@
 #include "varnik/services/charset/internal/SingleByteTable.h"
 #include "varnik/services/charset/internal/UtfAppend.h"
 #include "varnik/services/strings/StringBuffer.h"
+#include "varnik/simd/AsciiRun.h"
 
 namespace {
 
@@ -114,14 +115,34 @@ bool convertUnicode(const CharsetInfo& from, const CharsetInfo& to, Text text, D
   return write(reader, to, out);
 }
 
+// Charsets whose bytes below 0x80 are ASCII between characters: what is ASCII at the head needs no converter.
+bool convertAsciiHead(const CharsetInfo& from, const CharsetInfo& to, Text& text, DataBuffer& out) {
+  if (!hasAsciiBytes(from.kind) || to.kind != Kind::kUtf8) return true;
+  const u32 run = vk_simd::asciiRun(text.data, text.size);
+  if (!out.append(text.data, run)) return false;
+  text = {text.data + run, text.size - run};
+  return true;
+}
+
+bool convertByPivot(const CharsetInfo& from, const CharsetInfo& to, Text text, DataBuffer& out) {
+  makeRoom(out, text.size);  // about what it will take; where it is not to be had, less may do
+  DoubleByteTable* const table = from.kind == Kind::kDoubleByte ? DoubleByteTable::of(from) : nullptr;
+  if (table) {
+    DoubleByteReader reader(*table, from.converter, text.data, text.size);
+    return write(reader, to, out);
+  }
+  IcuReader reader(from.converter, hasAsciiBytes(from.kind), text.data, text.size);
+  return write(reader, to, out);
+}
+
 bool convert(const CharsetInfo& from, const CharsetInfo& to, Text text, DataBuffer& out) {
   const u32 mark = markSize(from.kind, text);
   text = {text.data + mark, text.size - mark};
   if (text.size == 0) return true;
   if (isUnicode(from.kind)) return convertUnicode(from, to, text, out);
   if (from.kind == Kind::kSingleByte) return convertSingleByte(from, to, text, out);
-  IcuReader reader(from.converter, hasAsciiBytes(from.kind), text.data, text.size);
-  return write(reader, to, out);
+  if (!convertAsciiHead(from, to, text, out)) return false;
+  return text.size == 0 || convertByPivot(from, to, text, out);
 }
 
 // True when a text shares bytes with the block of a buffer, which an append may move.

@@ -62,6 +62,48 @@ bool SingleByteReader::read(u16* units, u32 room, u32& count) {
   return true;
 }
 
+// Reads the ASCII at `at`: byte by byte while it is short, as between words, and then by blocks.
+u32 DoubleByteReader::readAscii(u32 at, u16* units, u32 room) const {
+  constexpr u32 kShort = 16;
+  const u32 most = std::min(room, n_ - at), few = std::min(most, kShort);
+  const u8* const from = data_ + at;
+  u32 run = 0;
+  for (; run < few && from[run] < 0x80; ++run) units[run] = from[run];
+  if (run != kShort) return run;
+  const u32 rest = vk_simd::asciiRun(from + run, most - run);
+  for (u32 i = 0; i < rest; ++i) units[run + i] = from[run + i];
+  return run + rest;
+}
+
+// Reads a character that begins with a byte from 0x80 on.
+inline u16 DoubleByteReader::readCharacter(u32& at) {
+  const u8 first = data_[at++];
+  u16 unit = table_.single(first);
+  if (unit == DoubleByteTable::kNoPair && at != n_) {
+    unit = table_.pair(first, data_[at], icu_);
+    at += unit != DoubleByteTable::kNoPair;
+  }
+  if (unit < DoubleByteTable::kNoCharacter) return unit;
+  bad_ = true;
+  return vk_simd::kReplacement;
+}
+
+bool DoubleByteReader::read(u16* units, u32 room, u32& count) {
+  u32 at = at_, done = 0;
+  while (done != room && at != n_) {
+    if (data_[at] >= 0x80) {
+      units[done++] = readCharacter(at);
+      continue;
+    }
+    const u32 run = readAscii(at, units + done, room - done);
+    at += run;
+    done += run;
+  }
+  at_ = at;
+  count = done;
+  return true;
+}
+
 u32 IcuReader::readAscii(u16* units, u32 room) {
   if (!asciiBytes_ || !icu_.isBetweenCharacters()) return 0;
   const u32 run = vk_simd::asciiRun(data_ + at_, std::min(room, n_ - at_));

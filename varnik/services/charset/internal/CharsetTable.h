@@ -14,7 +14,7 @@ enum class Kind : u8 {
   kUtf32Le,
   kUtf32Be,
   kSingleByte,  // a byte is a character
-  kDoubleByte,  // ASCII bytes, and pairs that begin with a byte from 0x80 on
+  kDoubleByte,  // ASCII bytes, and pairs that begin with a byte from 0x80 on; a character is one UTF-16 unit
   kMultiByte,   // ASCII bytes, and longer sequences that begin with a byte from 0x80 on
   kStateful,    // a byte means what those before it make of it
 };

@@ -1,6 +1,7 @@
 // The general road from charset to charset: through UTF-16 in host order, a block at a time.
 #pragma once
 
+#include "varnik/services/charset/internal/DoubleByteTable.h"
 #include "varnik/services/charset/internal/IcuConverter.h"
 #include "varnik/services/charset/internal/SingleByteTable.h"
 #include "varnik/services/charset/internal/UtfAppend.h"
@@ -45,6 +46,20 @@ class SingleByteReader : public UnitReader {
 
  private:
   const SingleByteTable& table_;
+};
+
+class DoubleByteReader : public UnitReader {
+ public:
+  DoubleByteReader(DoubleByteTable& table, const char* converter, const u8* data, u32 n)
+      : UnitReader(data, n), table_(table), icu_(converter) {}
+  bool read(u16* units, u32 room, u32& count) override;
+
+ private:
+  u32 readAscii(u32 at, u16* units, u32 room) const;
+  u16 readCharacter(u32& at);
+
+  DoubleByteTable& table_;
+  IcuConverter icu_;  // opened only where the table lacks a row
 };
 
 /// ICU's charsets. Runs of ASCII go past ICU where `asciiBytes` says that a byte below 0x80 at the start of a character
