@@ -34,7 +34,10 @@ namespace {
 }  // namespace
 
 [[VARNIK_AVX2]] u32 asciiRunAvx2(const u8* data, u32 n) {
+  constexpr u32 kLong = 256;  // from here on it pays to read where no load crosses a cache line
   u32 i = 0;
+  if (n >= kLong && _mm256_movemask_epi8(load(data)) == 0)
+    i = 32 - static_cast<u32>(reinterpret_cast<std::uintptr_t>(data) % 32);
   while (n - i >= 128 && !anyHigh(data + i)) i += 128;
   for (; n - i >= 32; i += 32)
     if (const u32 high = static_cast<u32>(_mm256_movemask_epi8(load(data + i))); high != 0)

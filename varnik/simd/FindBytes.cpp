@@ -176,11 +176,16 @@ namespace {
 
 }  // namespace
 
+// The first candidate, often the only one, is tried before anything is set up.
 [[VARNIK_AVX2]] u32 findBytesAvx2(const u8* data, u32 n, const u8* pattern, u32 m) {
   constexpr u32 kShort = 256;
-  const u32 others = n - m;
-  return others >= 31 && others < kShort ? findShort(data, n, pattern, m)
-                                         : BytesFinder(data, n, pattern, m).nextAvx2(0);
+  const u32 places = n - m + 1;
+  if (places >= 32 && places <= kShort) return findShort(data, n, pattern, m);
+  const void* hit = std::memchr(data, pattern[0], places);
+  if (!hit) return n;
+  const u32 at = static_cast<u32>(static_cast<const u8*>(hit) - data);
+  if (std::memcmp(hit, pattern, m) == 0) return at;
+  return BytesFinder(data, n, pattern, m).nextAvx2(at + 1);
 }
 #endif
 
