@@ -6,70 +6,22 @@
 
 #include "varnik/buffer/DataBuffer.h"
 #include "varnik/services/memory/Memory.h"
+#include "varnik/simd/AsciiRun.h"
+#include "varnik/simd/Utf.h"
 
 namespace {
 
-constexpr u32 kReplacement = 0xFFFD;
+using vk_simd::Utf;
 
-// One character of UTF-8, or U+FFFD for a maximal bad part (Unicode 15, section 3.9); moves `at` past it.
-u32 nextOfUtf8(const u8* text, u32 n, u32& at) {
-  const u32 lead = text[at++];
-  if (lead < 0x80) return lead;
-  const u32 more = lead >= 0xC2 && lead <= 0xDF   ? 1
-                   : lead >= 0xE0 && lead <= 0xEF ? 2
-                   : lead >= 0xF0 && lead <= 0xF4 ? 3
-                                                  : 0;
-  if (more == 0) return kReplacement;
-  // The second byte's range keeps out overlong forms, surrogates and what lies above U+10FFFF.
-  u32 least = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80, most = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
-  u32 code = lead & (0x3Fu >> more);
-  for (u32 i = 0; i < more; ++i) {
-    if (at == n || text[at] < least || text[at] > most) return kReplacement;
-    code = code << 6 | (text[at++] & 0x3Fu);
-    least = 0x80, most = 0xBF;
-  }
-  return code;
+constexpr Utf kHost = std::endian::native == std::endian::little ? Utf::k16Le : Utf::k16Be;
+
+const u8* bytesOf(const StringBuffer& utf8) {
+  return reinterpret_cast<const u8*>(utf8.getString());
 }
 
-// Calls `put` with each UTF-16 unit of a UTF-8 text.
-template <class Put>
-void eachUnit(const StringBuffer& utf8, Put put) {
-  const u8* text = reinterpret_cast<const u8*>(utf8.getString());
-  const u32 n = utf8.getSize();
-  for (u32 at = 0; at < n;) {
-    const u32 code = nextOfUtf8(text, n, at);
-    if (code >= 0x10000) put(static_cast<u16>(0xD7C0 + (code >> 10)));
-    put(static_cast<u16>(code >= 0x10000 ? 0xDC00 + (code & 0x3FF) : code));
-  }
-}
-
-// Writes a character as UTF-8 and returns its count of bytes.
-u32 putUtf8(u32 code, char* out) {
-  if (code < 0x80) {
-    *out = static_cast<char>(code);
-    return 1;
-  }
-  const u32 count = code < 0x800 ? 2 : code < 0x10000 ? 3 : 4;
-  for (u32 i = count - 1; i != 0; --i, code >>= 6) out[i] = static_cast<char>(0x80 | (code & 0x3F));
-  out[0] = static_cast<char>((0xF00u >> count) | code);
-  return count;
-}
-
-u16 unitAt(const u8* units, u32 i) {
-  u16 unit;
-  std::memcpy(&unit, units + std::size_t{2} * i, sizeof unit);
-  return unit;
-}
-
-// One character of UTF-16 in host order, U+FFFD for a lone surrogate; moves `at` past it.
-u32 nextOfUtf16(const u8* units, u32 n, u32& at) {
-  const u32 unit = unitAt(units, at++);
-  if ((unit & 0xF800) != 0xD800) return unit;
-  if (unit >= 0xDC00 || at == n) return kReplacement;
-  const u32 low = unitAt(units, at);
-  if ((low & 0xFC00) != 0xDC00) return kReplacement;
-  ++at;
-  return 0x10000 + ((unit & 0x3FF) << 10 | (low & 0x3FF));
+// Writes a text's UTF-16 units; there is room for `n` bytes, which are all that it takes.
+void putUnits(const StringBuffer& utf8, Utf form, u8* out, u32 n) {
+  vk_simd::convertUtf(Utf::k8, form, bytesOf(utf8), utf8.getSize(), out, n);
 }
 
 }  // namespace
@@ -118,9 +70,9 @@ bool XString::setFromUtf16N_xe(const u8* units, s32 n) {
   const u64 most = u64{count} * 3;  // a unit alone is at most three bytes, two that pair are four
   char* out = count != 0 && most <= 0xFFFFFFFF ? value.getAppendPtr(static_cast<u32>(most)) : nullptr;
   if (out) {
-    u32 size = 0;
-    for (u32 at = 0; at < count;) size += putUtf8(nextOfUtf16(units, count, at), out + size);
-    value.addToSize(size);
+    const auto done =
+        vk_simd::convertUtf(kHost, Utf::k8, units, count * 2, reinterpret_cast<u8*>(out), static_cast<u32>(most));
+    value.addToSize(done.written);
   }
   utf8_ = std::move(value);
   return out || count == 0;
@@ -133,12 +85,9 @@ bool XString::getUtf16_le(bool withMark, DataBuffer& out) {
   const u32 n = static_cast<u32>(bytes);
   if (!out.canAppendWithoutRealloc(n) && !out.expandBuffer(n)) return false;
   u8* to = out.getBufAt(out.getSize());
-  const auto put = [&](u16 unit) {
-    *to++ = static_cast<u8>(unit);
-    *to++ = static_cast<u8>(unit >> 8);
-  };
-  if (withMark) put(0xFEFF);
-  eachUnit(utf8_, put);
+  const u32 mark = withMark ? 2 : 0;
+  if (withMark) std::memcpy(to, "\xFF\xFE", mark);
+  putUnits(utf8_, Utf::k16Le, to + mark, n - mark);
   out.addToSize(n);
   return true;
 }
@@ -150,16 +99,15 @@ const u16* XString::getUtf16_xe() {
   units_ = reinterpret_cast<u16*>(allocByteArray(static_cast<u32>(count * sizeof(u16))));
   if (!units_) return nullptr;
   numUnits_ = static_cast<u32>(count);
-  u16* to = units_;
-  eachUnit(utf8_, [&](u16 unit) { *to++ = unit; });
-  *to = 0;
+  putUnits(utf8_, kHost, reinterpret_cast<u8*>(units_), (numUnits_ - 1) * u32{sizeof(u16)});
+  units_[numUnits_ - 1] = 0;
   return units_;
 }
 
 u32 XString::getNumChars() const {
-  u32 count = 0;
-  eachUnit(utf8_, [&](u16) { ++count; });
-  return count;
+  const u32 n = utf8_.getSize();
+  if (vk_simd::asciiRun(bytesOf(utf8_), n) == n) return n;
+  return static_cast<u32>(vk_simd::utfLength(Utf::k8, kHost, bytesOf(utf8_), n) / sizeof(u16));
 }
 
 void XString::weakClear() {
