@@ -71,7 +71,8 @@ TEST(Utf, FormsAgree) {
       for (const Utf to : kAll) {
         const Result want = run(vk_simd::convertUtfScalar, from, to, text, 1 << 17);
         const u32 exact = countOf(want.text);
-        EXPECT_EQ(vk_simd::utfLength(from, to, bytesOf(text), countOf(text)), exact);
+        for (const auto& form : VARNIK_FORMS(utfLength))
+          ASSERT_EQ(form.run(from, to, bytesOf(text), countOf(text)), exact) << form.name;
         EXPECT_LE(exact, vk_simd::utfLengthBound(from, to, countOf(text)));
         for (const auto& form : VARNIK_FORMS(convertUtf))
           for (const u32 room : {1u << 17, exact, exact - std::min(exact, 1u), exact / 2, exact / 3, 0u})

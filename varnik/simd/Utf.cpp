@@ -37,6 +37,13 @@ UtfProgress convertUtf(Utf from, Utf to, const u8* data, u32 n, u8* out, u32 roo
   return convertUtfScalar(from, to, data, n, out, room);
 }
 
+u64 utfLength(Utf from, Utf to, const u8* data, u32 n) {
+#if VARNIK_HAVE_AVX2
+  if (hasAvx2()) return utfLengthAvx2(from, to, data, n);
+#endif
+  return utfLengthScalar(from, to, data, n);
+}
+
 u64 utfLengthIfValid(Utf from, Utf to, const u8* data, u32 n) {
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return utfLengthIfValidAvx2(from, to, data, n);

@@ -33,9 +33,11 @@ u64 utfLength(Utf from, Utf to, const u8* data, u32 n);
 u64 utfLengthBound(Utf from, Utf to, u32 n);
 
 UtfProgress convertUtfScalar(Utf from, Utf to, const u8* data, u32 n, u8* out, u32 room);
+u64 utfLengthScalar(Utf from, Utf to, const u8* data, u32 n);
 u64 utfLengthIfValidScalar(Utf from, Utf to, const u8* data, u32 n);
 #if VARNIK_HAVE_AVX2
 UtfProgress convertUtfAvx2(Utf from, Utf to, const u8* data, u32 n, u8* out, u32 room);
+u64 utfLengthAvx2(Utf from, Utf to, const u8* data, u32 n);
 u64 utfLengthIfValidAvx2(Utf from, Utf to, const u8* data, u32 n);
 #endif
 

@@ -11,6 +11,7 @@
 #include "varnik/simd/internal/UtfAvx2.h"
 
 #if VARNIK_HAVE_AVX2
+#include "varnik/simd/AsciiRun.h"
 #include "varnik/simd/internal/ShuffleTables.h"
 
 namespace vk_simd {
@@ -41,6 +42,11 @@ struct Block {
   u32 leadsOf4 = 0;
   u32 size = 0;  // bytes up to the character that is cut off; 0 where something is bad
 };
+
+// A bit for each byte of a block at which a UTF-16 unit stays.
+constexpr u32 keptUnits(const Block& found) {
+  return (~found.continuations | found.leadsOf4 << 1) & lowBits(found.size);
+}
 
 // Some lead bytes narrow the range of the second byte: E0 and F0 (overlong), ED (surrogates), F4 (above U+10FFFF).
 [[VARNIK_AVX2]] inline u32 badSecondBytes(__m256i block) {
@@ -128,7 +134,7 @@ template <class To>
   }
   first = inOrder<To>(first);
   second = inOrder<To>(second);
-  const u32 kept = (~found.continuations | found.leadsOf4 << 1) & lowBits(found.size);
+  const u32 kept = keptUnits(found);
   u32 at = putKept(_mm256_castsi256_si128(first), kept & 0xFF, out);
   at += putKept(_mm256_extracti128_si256(first, 1), kept >> 8 & 0xFF, out + at);
   at += putKept(_mm256_castsi256_si128(second), kept >> 16 & 0xFF, out + at);
@@ -225,7 +231,30 @@ template <class To>
   s.advance(s.left, done.written - (kBlock - s.left) * static_cast<u32>(sizeof(typename To::Unit)));
 }
 
+// How many UTF-16 units a text becomes, its bad parts one each.
+[[VARNIK_AVX2]] u64 countUnits(const u8* data, u32 n) {
+  u32 i = asciiRunAvx2(data, n);
+  u64 count = i;
+  while (n - i >= kBlock) {
+    const Block found = lookAt(loadBlock(data + i));
+    count += static_cast<u32>(__builtin_popcount(keptUnits(found)));
+    i += found.size;
+    if (found.size != 0) continue;
+    for (const u32 end = i + kBlock; i < end;) {
+      u32 code;
+      i += Utf8::decode(data + i, n - i, code);
+      count += code != kBadPart && code >= 0x10000 ? 2 : 1;
+    }
+  }
+  return count + utfLengthScalar(Utf::k8, Utf::k16Le, data + i, n - i) / 2;
+}
+
 }  // namespace
+
+[[VARNIK_AVX2]] u64 utfLengthAvx2(Utf from, Utf to, const u8* data, u32 n) {
+  const bool isCounted = from == Utf::k8 && (to == Utf::k16Le || to == Utf::k16Be);
+  return isCounted ? 2 * countUnits(data, n) : utfLengthScalar(from, to, data, n);
+}
 
 template <class To>
 [[VARNIK_AVX2]] void convertFromUtf8Avx2(UtfCursor& c) {

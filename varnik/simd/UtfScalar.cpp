@@ -107,7 +107,7 @@ UtfProgress convertUtfScalar(Utf from, Utf to, const u8* data, u32 n, u8* out, u
   return functions(from, to).convert(data, n, out, room);
 }
 
-u64 utfLength(Utf from, Utf to, const u8* data, u32 n) {
+u64 utfLengthScalar(Utf from, Utf to, const u8* data, u32 n) {
   return functions(from, to).length(data, n);
 }
 

@@ -6,7 +6,6 @@
 
 #include "varnik/buffer/DataBuffer.h"
 #include "varnik/services/memory/Memory.h"
-#include "varnik/simd/AsciiRun.h"
 #include "varnik/simd/Utf.h"
 
 namespace {
@@ -105,9 +104,7 @@ const u16* XString::getUtf16_xe() {
 }
 
 u32 XString::getNumChars() const {
-  const u32 n = utf8_.getSize();
-  if (vk_simd::asciiRun(bytesOf(utf8_), n) == n) return n;
-  return static_cast<u32>(vk_simd::utfLength(Utf::k8, kHost, bytesOf(utf8_), n) / sizeof(u16));
+  return static_cast<u32>(vk_simd::utfLength(Utf::k8, kHost, bytesOf(utf8_), utf8_.getSize()) / sizeof(u16));
 }
 
 void XString::weakClear() {
