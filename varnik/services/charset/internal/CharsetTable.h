@@ -20,9 +20,9 @@ enum class Kind : u8 {
 };
 
 struct CharsetInfo {
-  s32 id;                 // the code page, or one of the two below
   const char* name;       // the canonical name
   const char* converter;  // ICU's name for it; null where our own tables serve
+  s32 id;                 // the code page, or one of the two below
   Kind kind;
 };
 
