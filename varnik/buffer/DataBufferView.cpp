@@ -1,8 +1,7 @@
 #include "varnik/buffer/DataBufferView.h"
 
-#include <algorithm>
-
 #include "varnik/services/logging/LogBase.h"
+#include "varnik/simd/ReplaceByte.h"
 
 namespace {
 
@@ -100,7 +99,7 @@ void DataBufferView::takeView(DataBufferView& source) {
 void DataBufferView::replaceChar(char from, char to) {
   CritSecExitor lock(*this);
   u8* content = buffer_.getDataAt2(offset_);
-  if (content) std::replace(content, content + contentSize(), static_cast<u8>(from), static_cast<u8>(to));
+  if (content) vk_simd::replaceByte(content, contentSize(), static_cast<u8>(from), static_cast<u8>(to));
 }
 
 void DataBufferView::logViewData(const char* tag, bool asHex, LogBase& log) {
