@@ -37,7 +37,8 @@ std::function<int()> setUpClean(CLI::App& app) {
       "What is asked for is done in the order of this list, however it is written.\n\n"
       "Examples:\n"
       "  vkbuf clean --ascii windows-1252.xml\n"
-      "  vkbuf clean --nulls utf16le-nobom.xml | vkbuf hexdump\n");
+      "  vkbuf clean --nulls utf16le-nobom.xml | vkbuf hexdump\n"
+      "  vkbuf clean --colors --ascii --in-place=.old koi8-r.xml\n");
   return [options] {
     if (!options->pop && !options->colors && !options->ascii && !options->nulls && !options->accents)
       options->job.fail("say what to clean: --pop, --colors, --ascii, --nulls, --accents");

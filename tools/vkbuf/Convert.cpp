@@ -72,8 +72,8 @@ std::string firstUnwritable(s32 to, const DataBuffer& text) {
   if (from == kUtf8) {
     const u32 bad = firstBadUtf8(data.getData2(), data.size());
     if (bad < data.size())
-      options.job.refuse(nameOfByte(data.byteAt(bad)) + " at " + placeIn(data.getData2(), bad) + ", is no valid UTF-8",
-                         kHint);
+      options.job.refuse(
+          nameOfByte(data.byteAt(bad)) + " at " + Place().of(data.getData2(), bad) + ", is no valid UTF-8", kHint);
     text.append(data);
   } else if (!convertInput(options, kUtf8, data, text)) {
     options.job.refuse("is no valid " + (options.from == "auto" ? charsetOf(from) : options.from), kHint);
@@ -110,7 +110,8 @@ std::function<int()> setUpConvert(CLI::App& app) {
       "A byte-order mark at the head of the input is dropped.\n\n"
       "Examples:\n"
       "  vkbuf convert --from auto --to utf-8 utf16be-bom.xml\n"
-      "  vkbuf convert --from koi8-r --to windows-1251 koi8-r.xml | vkbuf hexdump\n");
+      "  vkbuf convert --from koi8-r --to windows-1251 koi8-r.xml | vkbuf hexdump\n"
+      "  vkbuf convert --from utf-8 --to utf-16le --bom -s 'text' -o text.txt\n");
   return [options] {
     const s32 to = codePageOf(options->to);
     if (options->from != "auto") codePageOf(options->from);  // a mistyped name is told before a byte is read

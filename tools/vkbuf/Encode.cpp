@@ -1,133 +1,200 @@
-// encode and decode: bytes to text and back, under a name.
+// encode: bytes to text, under a name.
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <cstring>
 #include <memory>
 
 #include "tools/vkbuf/Commands.h"
 #include "tools/vkbuf/EncodingNames.h"
 #include "tools/vkbuf/Job.h"
-#include "tools/vkbuf/Nearest.h"
 #include "tools/vkbuf/Text.h"
-#include "varnik/encoding/internal/DecodeText.h"
-#include "varnik/services/codecs/EncodingIds.h"
-#include "varnik/services/strings/StringBuffer.h"
 
 namespace {
 
+using vk_codec::TextCodec;
+
 struct Options {
   Job job{""};
-  std::string name;
-  bool partial = false, ignoreGarbage = false;
+  std::string name, width, lineEnd;
 };
 
-// The id under which a name decodes; a name that is none ends the command.
-s32 encodingId(const std::string& name) {
-  LogNull log;
-  const s32 id = _clsEncode::encodingIdForName(name.c_str(), log);
-  if (id == 0)
-    throw Failure(kFailed, "no encoding is called '" + name + "'; nearest: " + nearestNames(name, encodingNames()),
-                  "vkbuf names");
-  return id;
+// How many bytes, or a multiple of it, become text by themselves. 0 for an encoding that needs the whole input.
+u32 bytesOfGroup(TextCodec codec) {
+  switch (codec) {
+    case TextCodec::base64:
+    case TextCodec::base64Url:
+    case TextCodec::modBase64:
+      return 3;
+    case TextCodec::base64Mime:
+    case TextCodec::base64CrEntity:
+    case TextCodec::base64Cr13Entity:
+      return 57;  // a line
+    case TextCodec::base32:
+      return 5;
+    case TextCodec::ascii85:
+      return 4;
+    case TextCodec::uu:
+      return 45;  // a line
+    case TextCodec::hex:
+    case TextCodec::hexLower:
+    case TextCodec::decList:
+    case TextCodec::urlRfc3986:
+    case TextCodec::urlRfc1738:
+    case TextCodec::urlRfc2396:
+    case TextCodec::plain:
+      return 1;
+    default:
+      return 0;
+  }
+}
+
+bool hasLineOption(TextCodec codec) {
+  switch (codec) {
+    case TextCodec::base64:
+    case TextCodec::base64Url:
+    case TextCodec::modBase64:
+    case TextCodec::base32:
+    case TextCodec::hex:
+    case TextCodec::hexLower:
+      return true;
+    default:
+      return false;
+  }
+}
+
+// What -w and --eol make of a text that comes in pieces.
+class Lines {
+ public:
+  Lines(const Options& options, TextCodec codec);
+
+  // Writes a piece; no piece ends within a line end of the encoding's own.
+  void write(StringBuffer& text, Output& output);
+  void finish(Output& output) const {
+    if (column_ != 0) output.write(end_.data(), end_.size());
+  }
+
+ private:
+  void wrap(const StringBuffer& text);
+
+  u32 width_ = 0;  // 0: the encoding's own lines
+  std::string own_, end_, wrapped_;
+  u32 column_ = 0;
+};
+
+Lines::Lines(const Options& options, TextCodec codec) {
+  const Job& job = options.job;
+  const bool wraps = vk_codec::factsOf(codec).wraps;
+  end_ = options.lineEnd == "crlf" ? "\r\n" : "\n";
+  if (!options.width.empty()) {
+    const auto width = parseCount(options.width);
+    if (!hasLineOption(codec))
+      job.fail("-w is for base64, base64url, base32 and hex",
+               codec == TextCodec::quotedPrintable ? "qp-N has lines of N characters" : "");
+    if (!width || *width > 0x7FFFFFFF) job.fail("-w: '" + options.width + "' is no count of characters");
+    width_ = static_cast<u32>(*width);
+  }
+  if (options.lineEnd.empty() || width_ != 0) return;
+  const bool entity = codec == TextCodec::base64CrEntity || codec == TextCodec::base64Cr13Entity;
+  if (!wraps || entity) job.fail("--eol: there are no lines to end", hasLineOption(codec) ? "-w N makes lines" : "");
+  own_ = codec == TextCodec::uu || codec == TextCodec::eda ? "\n" : "\r\n";
+}
+
+void Lines::wrap(const StringBuffer& text) {
+  wrapped_.clear();
+  for (u32 at = 0; at < text.getSize();) {
+    const u32 n = std::min(width_ - column_, text.getSize() - at);
+    wrapped_.append(text.getString() + at, n);
+    at += n;
+    column_ += n;
+    if (column_ < width_) break;
+    wrapped_ += end_;
+    column_ = 0;
+  }
+}
+
+void Lines::write(StringBuffer& text, Output& output) {
+  if (width_ != 0) {
+    wrap(text);
+    return output.write(wrapped_.data(), wrapped_.size());
+  }
+  if (!own_.empty() && own_ != end_) text.replaceAllOccurances(own_.c_str(), end_.c_str());
+  output.write(text.getString(), text.getSize());
+}
+
+void encodePiece(const Options& options, const u8* data, u32 n, StringBuffer& text) {
+  if (!DataBuffer::encodeDB2(options.name.c_str(), data, n, text))
+    options.job.fail("out of memory, or the text would pass 4 GiB");
+}
+
+void encodeWhole(Options& options, Lines& lines) {
+  DataBuffer data;
+  options.job.read(data);
+  options.job.noteLineEnd(data.getData2(), data.size());
+  StringBuffer text;
+  encodePiece(options, data.getData2(), data.size(), text);
+  Output output = options.job.begin();
+  lines.write(text, output);
+  output.finish();
+}
+
+// Takes what stands around the text of every piece away where pieces meet: the lines `begin` and `end` of uuencoded
+// text.
+void trimFrame(StringBuffer& text, bool first, bool last) {
+  constexpr std::string_view kHead = "begin 644 data\n", kTail = "`\nend\n";
+  if (!last) text.shorten(kTail.size());
+  if (first) return;
+  StringBuffer rest;
+  rest.appendN(text.getString() + kHead.size(), text.getSize() - static_cast<u32>(kHead.size()));
+  text = std::move(rest);
+}
+
+void encodeStream(Options& options, TextCodec codec, Lines& lines) {
+  const u32 group = bytesOfGroup(codec);
+  const auto input = options.job.open();
+  Window window = options.job.view(*input);
+  Output output = options.job.begin();
+  StringBuffer text;
+  for (bool first = true;; first = false) {
+    const bool last = window.isLast();
+    const u32 n = last ? window.size() : window.size() / group * group;
+    text.weakClear();
+    if (codec == TextCodec::decList && !first && n != 0) text.appendChar(',');
+    encodePiece(options, window.data(), n, text);
+    if (codec == TextCodec::uu) trimFrame(text, first, last);
+    lines.write(text, output);
+    if (last) break;
+    window.advance(n);
+  }
+  options.job.noteLineEnd(window.data(), window.size());
+  lines.finish(output);
+  output.finish();
 }
 
 int encode(Options& options) {
-  Job& job = options.job;
-  job.setCommand("encode " + options.name);
-  encodingId(options.name);
-  DataBuffer data;
-  job.read(data);
-  StringBuffer text;
-  if (!data.encodeDB(options.name.c_str(), text)) job.fail("out of memory, or the text would pass 4 GiB");
-  job.write(text);
+  options.job.setCommand("encode " + options.name);
+  const TextCodec codec = codecOf(options.name);
+  Lines lines(options, codec);
+  if (bytesOfGroup(codec) == 0)
+    encodeWhole(options, lines);
+  else
+    encodeStream(options, codec, lines);
   return kDone;
-}
-
-bool isWhiteSpace(u8 c) {
-  return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-bool isIn(std::string_view alphabet, u8 c) {
-  return alphabet.find(static_cast<char>(c)) != alphabet.npos;
-}
-
-// Why the character at `at` could not be decoded, as far as the alphabet tells.
-std::string reasonAt(std::string_view alphabet, const DataBuffer& text, u32 at) {
-  if (alphabet.empty()) return "does not decode";
-  if (!isIn(alphabet, text.byteAt(at))) return "is not in the alphabet";
-  if (isIn(alphabet, '=') && std::memchr(text.getData2(), '=', at)) return "stands behind the padding";
-  return "belongs to a group that is incomplete or that no encoder writes";
-}
-
-[[noreturn]] void refuseText(const Options& options, s32 id, const DataBuffer& text, const DecodeResult& result) {
-  const Job& job = options.job;
-  if (result.badAt == kNoFault) job.fail("out of memory, or the text does not decode");
-  if (result.badAt >= text.size()) job.refuse("the text ends too early, at byte " + std::to_string(text.size()));
-  const u8 bad = text.byteAt(result.badAt);
-  const std::string_view alphabet = alphabetOf(id);
-  const bool forUrl = isIn(alphabet, '+') && !isIn(alphabet, '-') && (bad == '-' || bad == '_');
-  job.refuse(
-      nameOfByte(bad) + " at " + placeIn(text.getData2(), result.badAt) + ", " + reasonAt(alphabet, text, result.badAt),
-      forUrl ? "this looks like base64url" : "");
-}
-
-void dropGarbage(const Options& options, s32 id, DataBuffer& text) {
-  const std::string_view alphabet = alphabetOf(id);
-  if (alphabet.empty()) options.job.fail("--ignore-garbage has no meaning here: every character has one");
-  // A character reference is no garbage, but letters in it would be taken for data.
-  for (const std::string_view reference : {"&#xD;", "&#13;"})
-    text.replaceAllOccurances(reinterpret_cast<const u8*>(reference.data()), static_cast<u32>(reference.size()),
-                              nullptr, 0);
-  u8* const data = text.getData2();
-  u8* const end =
-      std::remove_if(data, data + text.size(), [&](u8 c) { return !isIn(alphabet, c) && !isWhiteSpace(c); });
-  text.shorten(static_cast<u32>(data + text.size() - end));
-}
-
-int decode(Options& options) {
-  Job& job = options.job;
-  job.setCommand("decode " + options.name);
-  const s32 id = encodingId(options.name);
-  DataBuffer text, data;
-  job.read(text);
-  if (options.ignoreGarbage) dropGarbage(options, id, text);
-  if (!text.appendChar(0)) job.fail("out of memory");  // decoders may look for the end
-  text.shorten(1);
-  const DecodeResult result = vk_decodeText(id, reinterpret_cast<const char*>(text.getData2()), text.size(), data);
-  const bool bad = !result.ok || result.badAt != kNoFault;
-  if (!bad || options.partial) job.write(data);
-  if (bad) refuseText(options, id, text, result);
-  return kDone;
-}
-
-std::shared_ptr<Options> setUp(CLI::App& app) {
-  auto options = std::make_shared<Options>();
-  app.add_option("NAME", options->name, "the encoding; 'vkbuf names' lists them")->required()->option_text(" ");
-  options->job.addInput(app);
-  options->job.addOutput(app);
-  return options;
 }
 
 }  // namespace
 
 std::function<int()> setUpEncode(CLI::App& app) {
-  const auto options = setUp(app);
+  const auto options = std::make_shared<Options>();
+  app.add_option("NAME", options->name, "the encoding; 'vkbuf names' lists them")->required()->option_text(" ");
+  app.add_option("-w,--wrap", options->width, "lines of N characters, for base64, base64url, base32 and hex")
+      ->option_text("N");
+  app.add_option("--eol", options->lineEnd, "how lines end: lf (usual) or crlf (usual in mail)")
+      ->option_text("lf|crlf")
+      ->check(CLI::IsMember({"lf", "crlf"}));
+  options->job.addInput(app);
+  options->job.addOutput(app);
   app.footer(
       "Examples:\n"
       "  vkbuf encode base64 -s 'Hello, world'\n"
-      "  vkbuf encode base64_mime utf8-bom.xml\n"
+      "  vkbuf encode base64_mime utf8-bom.xml --eol lf | vkbuf decode base64\n"
       "  vkbuf encode qp-40 windows-1252.xml | vkbuf decode qp\n");
   return [options] { return encode(*options); };
-}
-
-std::function<int()> setUpDecode(CLI::App& app) {
-  const auto options = setUp(app);
-  app.add_flag("--ignore-garbage", options->ignoreGarbage, "skip characters that the encoding does not have");
-  app.add_flag("--partial", options->partial, "write the bytes before a fault too");
-  app.footer(
-      "Examples:\n"
-      "  vkbuf decode base64url -s 'Pz8-Pg'\n"
-      "  vkbuf decode hex -s '48 65 78'\n"
-      "  vkbuf encode uu koi8-r.xml | vkbuf decode uu\n");
-  return [options] { return decode(*options); };
 }

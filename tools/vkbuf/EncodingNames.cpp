@@ -3,12 +3,15 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <map>
 #include <memory>
 #include <sstream>
 
 #include "tools/vkbuf/Commands.h"
 #include "tools/vkbuf/Job.h"
 #include "tools/vkbuf/Nearest.h"
+#include "tools/vkbuf/Text.h"
+#include "varnik/services/charset/CharsetNames.h"
 #include "varnik/services/strings/StringBuffer.h"
 
 namespace {
@@ -84,8 +87,6 @@ std::string sampleOf(const Row& row) {
   return shown;
 }
 
-using Cells = std::vector<std::string>;
-
 Cells cellsOf(const Row& row) {
   return {row.name, sampleOf(row), row.lines, row.others, row.what, row.wayBack};
 }
@@ -106,21 +107,57 @@ std::string tableOf(const std::vector<Cells>& rows) {
 struct Options {
   Job job{"names"};
   std::string name;
-  bool plain = false;
+  bool plain = false, json = false;
 };
 
-int printNames(Options& options) {
-  std::vector<Cells> table = {{"NAME", "00 AB FF", "LINES", "ALSO", "WHAT IT IS", "THE WAY BACK"}};
-  std::string plain;
-  for (const Row& row : kRows) {
-    if (!options.name.empty() && !isCalled(row, options.name)) continue;
-    table.push_back(cellsOf(row));
-    plain += row.name + std::string("\n");
+// One object a row, its keys the headings.
+std::string jsonOf(const std::vector<Cells>& rows) {
+  std::string json = "[";
+  for (size_t r = 1; r < rows.size(); ++r) {
+    json += r == 1 ? "\n  {" : ",\n  {";
+    for (size_t c = 0; c < rows[r].size(); ++c)
+      json += (c == 0 ? "" : ", ") + jsonText(rows[0][c]) + ": " + jsonText(rows[r][c]);
+    json += "}";
   }
+  return json + "\n]\n";
+}
+
+std::vector<Cells> encodingRows(const Options& options) {
+  std::vector<Cells> table = {{"NAME", "00 AB FF", "LINES", "ALSO", "WHAT IT IS", "THE WAY BACK"}};
+  for (const Row& row : kRows)
+    if (options.name.empty() || isCalled(row, options.name)) table.push_back(cellsOf(row));
   if (table.size() == 1)
     throw Failure(kFailed, "no encoding is called '" + options.name +
                                "'; nearest: " + nearestNames(options.name, encodingNames()));
-  options.job.write(options.plain ? plain : tableOf(table));
+  return table;
+}
+
+// Each charset with the other spellings that lead to it.
+std::vector<Cells> charsetRows() {
+  std::vector<Cells> table = {{"NAME", "CODE PAGE", "ALSO"}};
+  std::map<std::string, std::string> others;
+  for (u32 i = 0; i < CharsetNames::countLabels(); ++i) {
+    StringBuffer name(CharsetNames::labelAt(i));
+    CharsetNames::canonicalizeCharset(name);
+    if (name.equals(CharsetNames::labelAt(i))) continue;
+    std::string& list = others[name.getString()];
+    list += (list.empty() ? "" : " ") + std::string(CharsetNames::labelAt(i));
+  }
+  for (u32 i = 0; i < CharsetNames::count(); ++i) {
+    StringBuffer name(CharsetNames::nameAt(i));
+    table.push_back({name.getString(), std::to_string(CharsetNames::codePageForName(name, nullptr)),
+                     others[CharsetNames::nameAt(i)]});
+  }
+  return table;
+}
+
+int printNames(Options& options) {
+  const std::vector<Cells> table = options.name == "charsets"   ? charsetRows()
+                                   : options.name == "paddings" ? paddingRows()
+                                                                : encodingRows(options);
+  std::string plain;
+  for (size_t i = 1; i < table.size(); ++i) plain += table[i][0] + "\n";
+  options.job.write(options.json ? jsonOf(table) : options.plain ? plain : tableOf(table));
   return kDone;
 }
 
@@ -133,6 +170,13 @@ std::vector<std::string> encodingNames() {
     for (const std::string& other : wordsOf(row.others)) names.push_back(other);
   }
   return names;
+}
+
+vk_codec::TextCodec codecOf(const std::string& name) {
+  const vk_codec::EncodingName* const found = vk_codec::findEncodingName(vk_codec::trimmed(std::string_view(name)));
+  if (found) return found->codec;
+  throw Failure(kFailed, "no encoding is called '" + name + "'; nearest: " + nearestNames(name, encodingNames()),
+                "vkbuf names");
 }
 
 std::string_view alphabetOf(s32 id) {
@@ -163,10 +207,10 @@ std::string_view alphabetOf(s32 id) {
 
 std::function<int()> setUpNames(CLI::App& app) {
   const auto options = std::make_shared<Options>();
-  app.add_option("NAME", options->name, "tell about this one only")->option_text(" ");
+  app.add_option("NAME", options->name, "tell about this one only; or 'charsets', or 'paddings'")->option_text(" ");
   app.add_flag("--plain", options->plain, "the names alone, one a line");
+  app.add_flag("--json", options->json, "the table as JSON");
   options->job.addOutput(app);
-  options->job.addQuiet(app);
-  app.footer("Examples:\n  vkbuf names\n  vkbuf names base64url\n");
+  app.footer("Examples:\n  vkbuf names\n  vkbuf names base64url --json\n  vkbuf names charsets --plain\n");
   return [options] { return printNames(*options); };
 }

@@ -17,6 +17,10 @@ struct Failure : std::runtime_error {
   std::string hint;  // a next step for the person, or empty
 };
 
+/// Whether the head of an error is red: by default in a terminal, unless NO_COLOR or TERM=dumb says otherwise.
+enum class Color { whereSeen, always, never };
+void setColor(Color wanted);
+
 /// Prints a line for people: standard error, behind the tool's name.
 void say(const std::string& line);
 /// Prints the line of a failure, and its hint.

@@ -8,52 +8,30 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <memory>
 #include <string_view>
 
-#include "varnik/services/files/FileSys.h"
+#include "tools/vkbuf/Progress.h"
+#include "tools/vkbuf/Text.h"
 #include "varnik/services/logging/LogText.h"
 
 namespace {
 
 // The library loads a file with 32 bytes to spare, so this is the longest input.
 constexpr u64 kMaxInput = 0xFFFFFFFF - 32;
-constexpr u32 kFirstRead = 64 * 1024;
-constexpr size_t kMostPerCall = size_t{1} << 30;  // one system call moves less than 2 GiB
 const char* const kTooLong = "longer than 4 GiB - 33 bytes, which is all that a buffer takes";
 
-std::string systemReason(int error) {
-  return std::strerror(error);
-}
-
-struct Descriptor {
-  int number;
-  explicit Descriptor(int n) : number(n) {}
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  ~Descriptor() {
-    if (number >= 0) close(number);
-  }
-};
+bool quiet = false;
 
 // Makes room for `n` more bytes, twice the capacity at least: the buffer's own growth by fixed steps would copy
 // gigabytes many times over.
 bool makeRoom(DataBuffer& data, u32 n) {
+  constexpr u32 kFirstRead = 64 * 1024;
   if (n <= data.getBufSize() - data.size()) return true;
   const u64 wanted = std::max<u64>({u64{data.getBufSize()} * 2, u64{data.size()} + n, kFirstRead});
   return data.ensureBuffer(static_cast<u32>(std::min(wanted, kMaxInput + 1)));
 }
 
-bool looksLikeText(const u8* data, u32 n) {
-  return std::none_of(data, data + n,
-                      [](u8 b) { return b == 0 || b == 0x7F || (b < 0x20 && !std::strchr("\t\n\r\f\033", b)); });
-}
-
 }  // namespace
-
-void Job::addQuiet(CLI::App& app) {
-  app.add_flag("-q,--quiet", quiet_, "no notes on standard error, errors only");
-}
 
 void Job::addInput(CLI::App& app) {
   addSources(app, "FILE");
@@ -68,9 +46,8 @@ void Job::addInputs(CLI::App& app) {
 
 void Job::addSources(CLI::App& app, const char* operand) {
   app.add_option(operand, file_, "the input; '-' or none: standard input")->option_text(" ");
-  app.add_option("-s,--text", text_, "the input itself")->option_text("TEXT");
-  app.add_flag("--chomp", chomp_, "drop one line end from the end of the input");
-  addQuiet(app);
+  app.add_option("-s,--text", text_, "the input itself")->option_text("TEXT")->group(kShared);
+  app.add_flag("--chomp", chomp_, "drop one line end from the end of the input")->group(kShared);
 }
 
 std::vector<std::string> Job::files() const {
@@ -87,12 +64,20 @@ std::vector<std::string> Job::files() const {
 }
 
 void Job::addOutput(CLI::App& app) {
-  app.add_option("-o,--output", out_, "write to FILE, as a whole or not at all")->option_text("FILE");
-  app.add_flag("--no-clobber", noClobber_, "refuse to write to a file that exists");
+  app.add_option("-o,--output", out_, "write to FILE, as a whole or not at all")->option_text("FILE")->group(kShared);
+  app.add_flag("--no-clobber", noClobber_, "refuse to write to a file that exists")->group(kShared);
+  app.add_flag("--newline", newline_, "end the result with a line feed if it lacks one")->group(kShared);
 }
 
+// A flag, so that it never takes the word behind it for its suffix.
 void Job::addInPlace(CLI::App& app) {
-  app.add_flag("--in-place", inPlace_, "rewrite each FILE, as a whole or not at all");
+  app.add_flag("--in-place", inPlace_, "rewrite each FILE; the old one is kept as FILE and SUFFIX")
+      ->option_text("[=SUFFIX]")
+      ->group(kShared);
+}
+
+void Job::setQuiet(bool wanted) {
+  quiet = wanted;
 }
 
 std::string Job::here() const {
@@ -112,129 +97,108 @@ void Job::failOn(const std::string& file, const std::string& message) const {
 }
 
 void Job::note(const std::string& message) const {
-  if (!quiet_) say(here() + ": " + message);
+  if (!quiet) say(here() + ": " + message);
 }
 
-void Job::read(DataBuffer& data) {
+std::unique_ptr<Input> Job::open() {
   const auto named = files();
   if (text_ && !named.empty()) fail("give either -s TEXT or a FILE, not both");
   if (named.size() > 1) fail("'" + named[1] + "' is one file too many");
-  if (!text_) return readFile(named.empty() ? "-" : named[0], data);
   place_.clear();
-  data.clear();
-  if (!data.append(text_->data(), static_cast<u32>(text_->size()))) fail("out of memory");
-  chompLine(data);
+  if (text_) return std::make_unique<Input>(*this, std::string_view(*text_));
+  const std::string file = named.empty() ? "-" : named[0];
+  place_ = file == "-" ? "standard input" : file;
+  return std::make_unique<Input>(*this, file);
+}
+
+void Job::read(DataBuffer& data) {
+  const auto input = open();
+  if (text_ || input->length() == 0)
+    readAll(*input, data);
+  else
+    load(place_, input->length(), data);
+  if (chomp_) data.shorten(lineEndLength(data.getData2(), data.size()));
 }
 
 void Job::readFile(const std::string& file, DataBuffer& data) {
-  data.clear();
-  if (file == "-") {
-    place_ = "standard input";
-    if (isatty(STDIN_FILENO)) note("reading from the terminal; Ctrl-D ends the input");
-    readDescriptor(STDIN_FILENO, data);
-  } else {
-    place_ = file;
-    const Descriptor opened(open(file.c_str(), O_RDONLY | O_CLOEXEC));
-    struct stat facts;
-    if (opened.number < 0 || fstat(opened.number, &facts) != 0) fail(systemReason(errno));
-    if (S_ISDIR(facts.st_mode)) fail(systemReason(EISDIR));
-    // Pipes, devices and the files of /proc do not tell their length.
-    if (S_ISREG(facts.st_mode) && facts.st_size > 0)
-      load(file, static_cast<u64>(facts.st_size), data);
-    else
-      readDescriptor(opened.number, data);
-  }
-  chompLine(data);
+  text_.reset();
+  file_ = file;
+  moreFiles_ = nullptr;
+  read(data);
 }
 
-void Job::load(const std::string& file, u64 length, DataBuffer& data) {
+void Job::load(const std::string& file, u64 length, DataBuffer& data) const {
   if (length > kMaxInput) fail(kTooLong);
   LogText log;
   if (!data.loadFileUtf8(file.c_str(), &log)) fail(reasonIn(log, "cannot be read"));
+  Progress::read(length);
 }
 
-void Job::readDescriptor(int descriptor, DataBuffer& data) {
-  for (;;) {
+void Job::readAll(Input& input, DataBuffer& data) const {
+  data.clear();
+  for (u32 room = 1; room != 0;) {
     if (data.size() > kMaxInput) fail(kTooLong);
     if (!makeRoom(data, 1)) fail("out of memory");
-    const size_t room = std::min<size_t>(data.getBufSize() - data.size(), kMostPerCall);
-    const ssize_t got = ::read(descriptor, data.getData2() + data.size(), room);
-    if (got == 0) return;
-    if (got > 0)
-      data.addToSize(static_cast<u32>(got));
-    else if (errno != EINTR)
-      fail(systemReason(errno));
+    room = data.getBufSize() - data.size();
+    const u32 got = input.read(data.getData2() + data.size(), room);
+    data.addToSize(got);
+    if (got < room) return;
   }
 }
 
-void Job::chompLine(DataBuffer& data) const {
-  if (data.empty() || data.lastByte() != '\n') return;
-  if (chomp_) {
-    data.shorten(1);
-    if (!data.empty() && data.lastByte() == '\r') data.shorten(1);
-  }
+DataBuffer Job::bytesOfHex(const std::string& typed) const {
+  std::string digits;
+  std::remove_copy_if(typed.begin(), typed.end(), std::back_inserter(digits),
+                      [](char c) { return c == ':' || isWhiteSpace(static_cast<u8>(c)); });
+  if (digits.starts_with("0x") || digits.starts_with("0X")) digits.erase(0, 2);
+  DataBuffer bytes;
+  if (!StringBuffer(digits.c_str()).hexStringToBinary(bytes))
+    fail("'" + typed + "' is not made of pairs of hex digits");
+  return bytes;
 }
 
-void Job::write(const void* data, u32 n) {
-  if (toFile()) {
-    if (pending_.empty()) return save(out_, data, n);
-    writeMore(data, n);
-    return save(out_, pending_.getData2(), pending_.size());
-  }
-  const bool terminal = isatty(STDOUT_FILENO) && out_.empty();
-  const u8* const bytes = static_cast<const u8*>(data);
-  if (terminal && !looksLikeText(bytes, n))
-    fail("the result is no text, and standard output is a terminal",
-         "write it to a file with -o FILE, pipe it into 'vkbuf hexdump', or insist with -o -");
-  writeOut(data, n);
-  if (terminal && n != 0 && bytes[n - 1] != '\n') writeOut("\n", 1);
+void Job::noteLineEnd(const u8* data, u32 n) const {
+  if (place_ == "standard input" && !chomp_ && isatty(STDERR_FILENO) && lineEndLength(data, n) != 0)
+    note("ends with a line feed, which counts; --chomp drops it");
 }
 
-void Job::writeMore(const void* data, u32 n) {
-  if (!toFile()) return writeOut(data, n);
-  if (n > kMaxInput - pending_.size()) failOn(out_, std::string("the result is ") + kTooLong);
-  if (!makeRoom(pending_, n) || !pending_.append(data, n)) failOn(out_, "out of memory");
+Output Job::begin() const {
+  if (toFile()) checkClobber(out_);
+  return {*this, out_, newline_};
 }
 
-void Job::writeOut(const void* data, u32 n) {
-  const char* rest = static_cast<const char*>(data);
-  for (size_t left = n; left != 0;) {
-    const ssize_t done = ::write(STDOUT_FILENO, rest, std::min(left, kMostPerCall));
-    if (done < 0 && errno == EINTR) continue;
-    if (done < 0) failOn("standard output", systemReason(errno));
-    rest += done;
-    left -= static_cast<size_t>(done);
-  }
+void Job::write(const void* data, u32 n) const {
+  Output output = begin();
+  output.write(data, n);
+  output.finish();
 }
 
-void Job::writeTo(const std::string& file, const DataBuffer& data) {
-  if (file == "-")
-    writeOut(data.getData2(), data.size());
-  else
-    save(file, data.getData2(), data.size());
+void Job::writeTo(const std::string& file, const DataBuffer& data) const {
+  if (file != "-") checkClobber(file);
+  Output output(*this, file, false);
+  output.write(data.getData2(), data.size());
+  output.finish();
+}
+
+void Job::checkClobber(const std::string& file) const {
+  struct stat facts;
+  const bool exists = stat(file.c_str(), &facts) == 0;
+  if (exists && noClobber_) failOn(file, "exists already, and --no-clobber was given");
+  if (exists && S_ISDIR(facts.st_mode)) failOn(file, std::strerror(EISDIR));
 }
 
 void Job::checkFile(const std::string& file) {
   place_ = file;
-  const Descriptor opened(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  const int opened = ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   struct stat facts;
-  if (opened.number < 0 || fstat(opened.number, &facts) != 0) fail(systemReason(errno));
-  if (S_ISDIR(facts.st_mode)) fail(systemReason(EISDIR));
+  if (opened < 0 || fstat(opened, &facts) != 0) fail(std::strerror(errno));
+  close(opened);
+  if (S_ISDIR(facts.st_mode)) fail(std::strerror(EISDIR));
   if (!S_ISREG(facts.st_mode)) fail("is no regular file, so it has no parts to be read");
 }
 
-void Job::save(const std::string& file, const void* data, u32 n) {
-  struct stat facts;
-  const bool exists = stat(file.c_str(), &facts) == 0;
-  if (exists && noClobber_) failOn(file, "exists already, and --no-clobber was given");
-  if (exists && S_ISDIR(facts.st_mode)) failOn(file, systemReason(EISDIR));
-  LogText log;
-  if (!_vkFileSys::writeFileUtf8(file.c_str(), static_cast<const u8*>(data), n, &log))
-    failOn(file, reasonIn(log, "cannot be written"));
-}
-
 int Job::filter(const std::function<int(DataBuffer&)>& change) {
-  if (inPlace_) return filterInPlace(change);
+  if (isInPlace()) return filterInPlace(change);
   DataBuffer data;
   read(data);
   const int status = change(data);
@@ -252,10 +216,7 @@ int Job::filterInPlace(const std::function<int(DataBuffer&)>& change) {
     int status = kDone;
     try {
       if (file == "-") fail("--in-place cannot rewrite standard input");
-      DataBuffer data;
-      readFile(file, data);
-      status = change(data);
-      if (status == kDone) save(file, data.getData2(), data.size());
+      status = rewrite(file, change);
     } catch (const Failure& failure) {
       say(failure);
       status = failure.status;
@@ -263,6 +224,25 @@ int Job::filterInPlace(const std::function<int(DataBuffer&)>& change) {
     worst = std::max(worst, status);
   }
   return worst;
+}
+
+// The old file is kept by a second name of its own, so it is whole at any moment.
+int Job::rewrite(const std::string& file, const std::function<int(DataBuffer&)>& change) {
+  DataBuffer data;
+  readFile(file, data);
+  const int status = change(data);
+  if (status != kDone) return status;
+  if (inPlace_ != "true") {
+    const std::string old = file + inPlace_;
+    checkClobber(old);
+    if ((unlink(old.c_str()) != 0 && errno != ENOENT) ||
+        linkat(AT_FDCWD, file.c_str(), AT_FDCWD, old.c_str(), AT_SYMLINK_FOLLOW) != 0)
+      failOn(old, std::string("the old file cannot be kept: ") + std::strerror(errno));
+  }
+  Saver saver(*this, file);
+  saver.write(data.getData2(), data.size());
+  saver.commit();
+  return kDone;
 }
 
 std::string reasonIn(const LogText& log, const std::string& otherwise) {

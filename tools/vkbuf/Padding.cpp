@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "tools/vkbuf/Commands.h"
+#include "tools/vkbuf/EncodingNames.h"
 #include "tools/vkbuf/Job.h"
 #include "tools/vkbuf/Nearest.h"
 #include "tools/vkbuf/Text.h"
@@ -10,8 +11,25 @@
 
 namespace {
 
-// The names of the schemes, by number.
-const std::vector<std::string> kSchemes = {"pkcs7", "fips81", "random", "zeros", "spaces"};
+struct Scheme {
+  const char* name;  // its number is its place
+  const char* what;
+  const char* comesOff;
+};
+
+constexpr Scheme kSchemes[] = {
+    {"pkcs7", "N bytes that hold N (RFC 5652 section 6.3)", "yes"},
+    {"fips81", "random bytes, then the length of the pad", "yes"},
+    {"random", "random bytes", "no"},
+    {"zeros", "zero bytes", "no"},
+    {"spaces", "blanks", "no"},
+};
+
+std::vector<std::string> schemeNames() {
+  std::vector<std::string> names;
+  for (const Scheme& each : kSchemes) names.emplace_back(each.name);
+  return names;
+}
 
 struct Options {
   Job job{""};
@@ -20,14 +38,15 @@ struct Options {
 };
 
 s32 schemeOf(const Options& options) {
-  for (size_t i = 0; i < kSchemes.size(); ++i)
-    if (options.scheme == std::to_string(i) || options.scheme == kSchemes[i]) return static_cast<s32>(i);
+  for (size_t i = 0; i < std::size(kSchemes); ++i)
+    if (options.scheme == std::to_string(i) || options.scheme == kSchemes[i].name) return static_cast<s32>(i);
   throw Failure(kFailed,
-                "no scheme is called '" + options.scheme + "'; nearest: " + nearestNames(options.scheme, kSchemes),
+                "no scheme is called '" + options.scheme + "'; nearest: " + nearestNames(options.scheme, schemeNames()),
                 "schemes are 0 to 4: pkcs7, fips81, random, zeros, spaces");
 }
 
 int pad(const Options& options, s32 scheme, DataBuffer& data) {
+  options.job.noteLineEnd(data.getData2(), data.size());
   LogText log;
   const u64 padded = u64{data.size()} + data.padForEncryption(scheme, options.block, log);
   // The pad's length is told even when there was no room for it.
@@ -66,8 +85,8 @@ int random(Options& options) {
 std::shared_ptr<Options> setUp(CLI::App& app, const char* command) {
   auto options = std::make_shared<Options>();
   options->job.setCommand(command);
-  app.add_option("--scheme", options->scheme, "0 to 4, or pkcs7, fips81, random, zeros, spaces (0)")
-      ->option_text("NAME");
+  app.add_option("--scheme", options->scheme, "the kind of pad, by name or number from 0 (pkcs7)")
+      ->option_text("pkcs7|fips81|random|zeros|spaces");
   app.add_option("--block", options->block, "the cipher's block size, 8 or 16 (16)")
       ->option_text("N")
       ->check(CLI::IsMember({8, 16}));
@@ -79,12 +98,20 @@ std::shared_ptr<Options> setUp(CLI::App& app, const char* command) {
 
 }  // namespace
 
+std::vector<Cells> paddingRows() {
+  std::vector<Cells> table = {{"NAME", "SCHEME", "UNPAD", "WHAT IT IS"}};
+  for (size_t i = 0; i < std::size(kSchemes); ++i)
+    table.push_back({kSchemes[i].name, std::to_string(i), kSchemes[i].comesOff, kSchemes[i].what});
+  return table;
+}
+
 std::function<int()> setUpPad(CLI::App& app) {
   const auto options = setUp(app, "pad");
   app.footer(
       "Examples:\n"
       "  vkbuf pad -s abc --block 8 | vkbuf hexdump\n"
-      "  vkbuf pad --scheme zeros koi8-r.xml | vkbuf hexdump\n");
+      "  vkbuf pad --scheme zeros koi8-r.xml | vkbuf hexdump\n"
+      "  vkbuf names paddings\n");
   return [options] {
     const s32 scheme = schemeOf(*options);
     return options->job.filter([&, scheme](DataBuffer& data) { return pad(*options, scheme, data); });
@@ -99,7 +126,8 @@ std::function<int()> setUpUnpad(CLI::App& app) {
       "before you unpad it: what this command answers can help an attacker otherwise.\n\n"
       "Examples:\n"
       "  vkbuf pad -s abc | vkbuf unpad\n"
-      "  vkbuf pad -s abc --scheme fips81 --block 8 | vkbuf unpad --scheme fips81 --block 8\n");
+      "  vkbuf pad -s abc --scheme fips81 --block 8 | vkbuf unpad --scheme fips81 --block 8\n"
+      "  vkbuf decode hex -s '6162 0606 0606 0606' | vkbuf unpad --block 8\n");
   return [options] {
     const s32 scheme = schemeOf(*options);
     if (scheme > 1)
@@ -117,7 +145,8 @@ std::function<int()> setUpTlsCheck(CLI::App& app) {
       "itself.\n\n"
       "Examples:\n"
       "  vkbuf decode hex -s 'aa bb 02 02 02' | vkbuf tls-check\n"
-      "  vkbuf decode hex -s '00' | vkbuf tls-check\n");
+      "  vkbuf decode hex -s '00' | vkbuf tls-check\n"
+      "  vkbuf decode hex -s '6162 63 00' | vkbuf tls-check -q\n");
   return [job] { return checkTls(*job); };
 }
 
@@ -126,7 +155,10 @@ std::function<int()> setUpRandom(CLI::App& app) {
   options->job.setCommand("random");
   app.add_option("N", options->count, "how many bytes; k, M and G are powers of 1024")->required()->option_text(" ");
   options->job.addOutput(app);
-  options->job.addQuiet(app);
-  app.footer("Examples:\n  vkbuf random 32 | vkbuf encode base64url\n  vkbuf random 1k | vkbuf hexdump\n");
+  app.footer(
+      "Examples:\n"
+      "  vkbuf random 32 | vkbuf encode base64url\n"
+      "  vkbuf random 1k | vkbuf hexdump\n"
+      "  vkbuf random 16 -o key.bin\n");
   return [options] { return random(*options); };
 }

@@ -69,7 +69,6 @@ int chunk(Options& options) {
 std::shared_ptr<Options> setUp(CLI::App& app, const char* command) {
   auto options = std::make_shared<Options>();
   options->job.setCommand(command);
-  options->job.addQuiet(app);
   options->job.addOutput(app);
   return options;
 }
@@ -91,7 +90,8 @@ std::function<int()> setUpSplit(CLI::App& app) {
       "--body-out only the two lengths are printed.\n\n"
       "Examples:\n"
       "  vkbuf split letter.bin\n"
-      "  vkbuf split letter.bin --header-out - --max-header 1k\n");
+      "  vkbuf split letter.bin --header-out - --max-header 1k\n"
+      "  vkbuf split letter.bin --header-out head.xml --body-out body.xml\n");
   return [options] { return split(*options); };
 }
 
@@ -102,7 +102,8 @@ std::function<int()> setUpJoin(CLI::App& app) {
   app.footer(
       "Examples:\n"
       "  vkbuf join koi8-r.xml utf8-bom.xml | vkbuf hexdump\n"
-      "  vkbuf join koi8-r.xml utf8-bom.xml -o letter.bin\n");
+      "  vkbuf join koi8-r.xml utf8-bom.xml -o letter.bin\n"
+      "  vkbuf encode hex -s ab | vkbuf join koi8-r.xml - | vkbuf hexdump\n");
   return [options] { return join(*options); };
 }
 
@@ -116,6 +117,7 @@ std::function<int()> setUpChunk(CLI::App& app) {
       "N is decimal or 0x..., with k, M or G for powers of 1024. An offset at or behind the end is status 1.\n\n"
       "Examples:\n"
       "  vkbuf chunk koi8-r.xml --offset 0x40 --length 16 | vkbuf hexdump\n"
-      "  vkbuf chunk utf8-bom.xml --offset 3\n");
+      "  vkbuf chunk utf8-bom.xml --offset 3\n"
+      "  vkbuf chunk shift_jis.xml --length 1k | vkbuf detect\n");
   return [options] { return chunk(*options); };
 }

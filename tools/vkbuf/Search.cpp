@@ -13,25 +13,13 @@ namespace {
 struct Options {
   Job job{""};
   std::string pattern, with, from;
-  bool hex = false, all = false, count = false, noCase = false;
+  bool hex = false, all = false, count = false, noCase = false, json = false;
 };
 
-// Hex as people have it: blanks and colons between the bytes, 0x in front.
 DataBuffer bytesOf(const Options& options, const std::string& typed) {
+  if (options.hex) return options.job.bytesOfHex(typed);
   DataBuffer bytes;
-  if (!options.hex) {
-    bytes.append(typed.data(), static_cast<u32>(typed.size()));
-    return bytes;
-  }
-  StringBuffer digits;
-  digits.appendN(typed.data(), static_cast<u32>(typed.size()));
-  digits.removeCharOccurances(':');
-  digits.trim2();
-  if (digits.beginsWithIgnoreCase("0x")) {
-    StringBuffer rest(digits.getString() + 2);
-    digits = rest;
-  }
-  if (!digits.hexStringToBinary(bytes)) options.job.fail("'" + typed + "' is not made of pairs of hex digits");
+  bytes.append(typed.data(), static_cast<u32>(typed.size()));
   return bytes;
 }
 
@@ -41,30 +29,75 @@ DataBuffer patternOf(const Options& options) {
   return pattern;
 }
 
-u32 startOf(const Options& options) {
+u64 startOf(const Options& options) {
   if (options.from.empty()) return 0;
   const auto from = parseCount(options.from);
   if (!from) options.job.fail("--from: '" + options.from + "' is no offset");
-  return static_cast<u32>(std::min<u64>(*from, 0xFFFFFFFF));
+  return *from;
 }
+
+// What is found goes out as the input comes in.
+class Report {
+ public:
+  Report(const Options& options, Output& output) : options_(options), output_(output) {
+    if (options_.json) text_ = "{\"offsets\": [";
+  }
+  void add(u64 offset) {
+    ++count_;
+    if (options_.count) return;
+    text_ += options_.json ? (count_ == 1 ? "" : ", ") + std::to_string(offset) : std::to_string(offset) + "\n";
+  }
+  void flush() {
+    output_.write(text_.data(), text_.size());
+    text_.clear();
+  }
+  void finish() {
+    if (options_.json && options_.count)
+      text_ = "{\"count\": " + std::to_string(count_) + "}\n";
+    else if (options_.json)
+      text_ += "], \"count\": " + std::to_string(count_) + "}\n";
+    else if (options_.count)
+      text_ = std::to_string(count_) + "\n";
+    flush();
+    output_.finish();
+  }
+  u64 count() const { return count_; }
+
+ private:
+  const Options& options_;
+  Output& output_;
+  std::string text_;
+  u64 count_ = 0;
+};
 
 int find(Options& options) {
   Job& job = options.job;
   const DataBuffer pattern = patternOf(options);
-  u32 at = startOf(options);
-  DataBuffer data;
-  job.read(data);
-  std::string offsets;
-  u32 count = 0;
-  for (bool found = true;; at += pattern.size()) {
-    at = data.findBytesIdx(pattern.getData2(), static_cast<s32>(pattern.size()), found, at);
-    if (!found) break;
-    ++count;
-    if (!options.count) offsets += std::to_string(at) + "\n";
-    if (!options.all && !options.count) break;
+  u64 offset = startOf(options);
+  const auto input = job.open();
+  input->skip(offset);
+  Window window = job.view(*input);
+  Output output = job.begin();
+  Report report(options, output);
+  for (bool more = true; more;) {
+    u32 at = 0;
+    while (const u8* const found =
+               DataBuffer::findBytes2(window.data() + at, window.size() - at, pattern.getData2(), pattern.size())) {
+      at = static_cast<u32>(found - window.data());
+      report.add(offset + at);
+      at += pattern.size();
+      more = options.all || options.count;
+      if (!more) break;
+    }
+    if (!options.count) report.flush();
+    if (!more || window.isLast()) break;
+    // An occurrence may begin in view and end behind it.
+    const u32 used = window.size() < pattern.size() ? 0 : std::max(at, window.size() - pattern.size() + 1);
+    offset += used;
+    window.advance(used);
   }
-  job.write(options.count ? std::to_string(count) + "\n" : offsets);
-  return count != 0 ? kDone : kNo;
+  report.finish();
+  return report.count() != 0 ? kDone : kNo;
 }
 
 u32 replaceNoCase(const Options& options, DataBuffer& data) {
@@ -93,13 +126,15 @@ std::function<int()> setUpFind(CLI::App& app) {
   app.add_flag("--all", options->all, "print the offset of each occurrence, not of the first one only");
   app.add_flag("--count", options->count, "print how many there are");
   app.add_option("--from", options->from, "the offset to begin at")->option_text("N");
+  app.add_flag("--json", options->json, "the offsets and their count as JSON");
   options->job.addInput(app);
   options->job.addOutput(app);
   app.footer(
       "Offsets are in bytes, from 0. Occurrences do not overlap. Not found is status 1.\n\n"
       "Examples:\n"
       "  vkbuf find --all dish windows-1252.xml\n"
-      "  vkbuf find --hex 955c --count shift_jis.xml\n");
+      "  vkbuf find --hex 955c --count shift_jis.xml\n"
+      "  vkbuf find --json --all xml utf8-bom.xml\n");
   return [options] { return find(*options); };
 }
 
@@ -119,7 +154,8 @@ std::function<int()> setUpReplace(CLI::App& app) {
       "1.\n\n"
       "Examples:\n"
       "  vkbuf replace KOI8-R UTF-8 koi8-r.xml | vkbuf convert --from koi8-r --to utf-8\n"
-      "  vkbuf replace --hex 0a 0d0a windows-1252.xml | vkbuf detect\n");
+      "  vkbuf replace --hex 0a 0d0a windows-1252.xml | vkbuf detect\n"
+      "  vkbuf replace dish meal windows-1252.xml -o menu.xml\n");
   return [options] {
     if (options->hex && options->noCase) options->job.fail("--nocase is for text, so not with --hex");
     return options->job.filter([&](DataBuffer& data) { return replace(*options, data); });

@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cstdio>
 
+#include "varnik/services/strings/StringBuffer.h"
+
 std::optional<u64> parseCount(std::string_view text) {
   int base = 10, shift = 0;
   if (text.starts_with("0x") || text.starts_with("0X")) {
@@ -59,10 +61,38 @@ std::string nameOfByte(u8 b) {
   return text;
 }
 
-std::string placeIn(const u8* data, u32 at) {
-  const u8* const end = data + at;
-  const auto line = std::count(data, end, u8{'\n'}) + 1;
-  const u8* start = end;
-  while (start != data && start[-1] != '\n') --start;
-  return "byte " + std::to_string(at) + ", line " + std::to_string(line) + " column " + std::to_string(end - start + 1);
+std::string jsonText(std::string_view text) {
+  StringBuffer escaped;
+  const u8* const data = reinterpret_cast<const u8*>(text.data());
+  for (u32 at = 0, n = static_cast<u32>(text.size()); at < n;) {
+    const u32 length = firstBadUtf8(data + at, n - at);
+    escaped.appendN(text.data() + at, length);
+    at += length;
+    if (at++ < n) escaped.append("\xEF\xBF\xBD");
+  }
+  escaped.jsonEscape();
+  return '"' + std::string(escaped.getString(), escaped.getSize()) + '"';
+}
+
+void Place::pass(const u8* data, u32 n) {
+  const u64 lines = static_cast<u64>(std::count(data, data + n, u8{'\n'}));
+  if (lines != 0) {
+    u32 start = n;
+    while (data[start - 1] != '\n') --start;
+    lineStart_ = offset_ + start;
+  }
+  lines_ += lines;
+  offset_ += n;
+}
+
+std::string Place::of(const u8* data, u32 at) const {
+  Place there = *this;
+  there.pass(data, at);
+  return "byte " + std::to_string(there.offset_) + ", line " + std::to_string(there.lines_ + 1) + " column " +
+         std::to_string(there.offset_ - there.lineStart_ + 1);
+}
+
+u32 lineEndLength(const u8* data, u32 n) {
+  if (n == 0 || data[n - 1] != '\n') return 0;
+  return n > 1 && data[n - 2] == '\r' ? 2 : 1;
 }

@@ -13,8 +13,30 @@ std::optional<u64> parseCount(std::string_view text);
 /// Returns the offset of the first byte that is no part of a valid UTF-8 character (Unicode 15.0, table 3-7), or `n`.
 u32 firstBadUtf8(const u8* data, u32 n);
 
+/// White space as the decoders skip it.
+constexpr bool isWhiteSpace(u8 c) {
+  return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
 /// Returns "'!' (0x21)", or "byte 0xff" for what cannot be printed.
 std::string nameOfByte(u8 b);
 
-/// Returns "byte 1205, line 16 column 23": the offset from 0, the line and its byte from 1.
-std::string placeIn(const u8* data, u32 at);
+/// Returns a text between quotes as JSON has it; bytes that are no UTF-8 become U+FFFD.
+std::string jsonText(std::string_view text);
+
+/// A place in a text that goes by in pieces.
+class Place {
+ public:
+  /// Moves past `n` bytes.
+  void pass(const u8* data, u32 n);
+  /// Returns "byte 1205, line 16 column 23" for the byte at `at` of the piece that begins here: the offset from 0, the
+  /// line and its byte from 1.
+  std::string of(const u8* data, u32 at) const;
+  u64 offset() const { return offset_; }
+
+ private:
+  u64 offset_ = 0, lines_ = 0, lineStart_ = 0;
+};
+
+/// Returns how long the line end at the end of `n` bytes is: 0, 1 or, with the CR of a CR LF, 2.
+u32 lineEndLength(const u8* data, u32 n);

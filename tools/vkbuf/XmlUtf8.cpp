@@ -39,7 +39,7 @@ int convert(Options& options, DataBuffer& data) {
   const u32 bad = firstBadUtf8(data.getData2(), data.size());
   if (bad < data.size())
     job.refuse("names no charset that is known and is no UTF-8: " + nameOfByte(data.byteAt(bad)) + " at " +
-                   placeIn(data.getData2(), bad),
+                   Place().of(data.getData2(), bad),
                kHint);
   return kDone;
 }

@@ -1,0 +1,147 @@
+#include "tools/vkbuf/TextPieces.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "tools/vkbuf/Text.h"
+
+namespace {
+
+constexpr u32 kReference = 5;  // characters
+
+const u8* findChar(const u8* text, u32 n, char c) {
+  return static_cast<const u8*>(std::memchr(text, c, n));
+}
+
+// ---- Groups of characters, white space anywhere ----
+
+struct Groups {
+  u32 chars;        // of a group
+  char closing;     // what begins the end
+  bool references;  // references to a carriage return are white space
+  char whole;       // a character that is a group by itself, or 0
+};
+
+u32 countSignificant(const Groups& groups, const u8* text, u32 n) {
+  u32 count = 0;
+  for (u32 i = 0; i < n; ++i) count += isWhiteSpace(text[i]) ? 0U : 1U;
+  if (groups.whole != 0) {
+    const auto wholes = std::count(text, text + n, static_cast<u8>(groups.whole));
+    count += static_cast<u32>(wholes) * (groups.chars - 1);
+  }
+  if (!groups.references) return count;
+  const u8* const end = text + n;
+  for (const u8* at = text; (at = findChar(at, static_cast<u32>(end - at), '&')); ++at)
+    if (isReturnReference(at, static_cast<u32>(end - at))) count -= kReference;
+  return count;
+}
+
+// Goes back from `n` until what is left in front is made of whole groups, `extra` being too many.
+u32 backToGroup(const Groups& groups, const u8* text, u32 n, u32 extra) {
+  u32 passed = 0;
+  while (n != 0 && passed % groups.chars != extra) {
+    --n;
+    if (isWhiteSpace(text[n])) continue;
+    if (groups.references && n + 1 >= kReference && isReturnReference(text + n + 1 - kReference, kReference))
+      n -= kReference - 1;
+    else
+      passed += groups.whole != 0 && text[n] == groups.whole ? groups.chars : 1;
+  }
+  return n;
+}
+
+TextCut cutGroups(const Groups& groups, const u8* text, u32 n) {
+  const u8* const closing = findChar(text, n, groups.closing);
+  if (closing) n = static_cast<u32>(closing - text);
+  // A reference that is not all in view stays behind the cut.
+  for (u32 k = 1; groups.references && !closing && k < kReference && k <= n; ++k)
+    if (text[n - k] == '&') n -= k;
+  const u32 extra = countSignificant(groups, text, n) % groups.chars;
+  return {backToGroup(groups, text, n, extra), closing != nullptr};
+}
+
+TextCut cutBase64(const u8* text, u32 n) {
+  return cutGroups({4, '=', true, 0}, text, n);
+}
+TextCut cutBase32(const u8* text, u32 n) {
+  return cutGroups({8, '=', false, 0}, text, n);
+}
+TextCut cutHex(const u8* text, u32 n) {
+  return cutGroups({2, '=', false, 0}, text, n);
+}
+TextCut cutAscii85(const u8* text, u32 n) {
+  return cutGroups({5, '~', false, 'z'}, text, n);
+}
+
+// ---- The others ----
+
+TextCut cutPlain(const u8*, u32 n) {
+  return {n, false};
+}
+
+// An escape is % and two digits.
+TextCut cutUrl(const u8* text, u32 n) {
+  if (n >= 1 && text[n - 1] == '%') return {n - 1, false};
+  if (n >= 2 && text[n - 2] == '%') return {n - 2, false};
+  return {n, false};
+}
+
+TextCut cutDecList(const u8* text, u32 n) {
+  while (n != 0 && text[n - 1] != ',' && !isWhiteSpace(text[n - 1])) --n;
+  return {n, false};
+}
+
+// Whole lines, up to the first that holds no bytes or no data.
+TextCut cutUu(const u8* text, u32 n) {
+  u32 start = 0;
+  while (const u8* const end = findChar(text + start, n - start, '\n')) {
+    if (std::strchr("` \r\n", text[start]) || text[start] == 'e') return {start, true};
+    start = static_cast<u32>(end + 1 - text);
+  }
+  return {start, false};
+}
+
+}  // namespace
+
+bool isReturnReference(const u8* text, u32 n) {
+  return n >= kReference &&
+         (std::memcmp(text, "&#xD;", kReference) == 0 || std::memcmp(text, "&#13;", kReference) == 0);
+}
+
+FindCut* cutsOf(s32 id) {
+  switch (id) {
+    case 1:
+    case 24:
+    case 10:
+    case 20:
+      return cutBase64;
+    case 30:
+      return cutBase32;
+    case 3:
+    case 25:
+      return cutHex;
+    case 17:
+      return cutAscii85;
+    case 4:
+      return cutUrl;
+    case 23:
+      return cutDecList;
+    case 37:
+      return cutUu;
+    case 6:
+      return cutPlain;
+    default:
+      return nullptr;
+  }
+}
+
+u32 findUuBegin(const u8* text, u32 n, bool& found) {
+  u32 start = 0;
+  for (;;) {
+    const u8* const end = findChar(text + start, n - start, '\n');
+    found = end && n - start > 7 && std::memcmp(text + start, "begin ", 6) == 0 && text[start + 6] >= '0' &&
+            text[start + 6] <= '7';
+    if (found || !end) return start;
+    start = static_cast<u32>(end + 1 - text);
+  }
+}
