@@ -40,7 +40,15 @@ class VARNIK_API DataBuffer : public VarnikObject {
   DataBuffer& operator=(const DataBuffer& other);
   DataBuffer& operator=(DataBuffer&& other) noexcept;
   /// Releases owned storage; the bytes in use of a secure buffer are zeroed before.
-  ~DataBuffer() override;
+  ~DataBuffer() override {
+    if (validity_ != kValid || (data_ && !borrowed_)) release();
+    // The object's lifetime ends here, so that a compiler may drop every store to it that follows. These must be made:
+    // a later use of the dead object has to fail the check.
+    const_cast<volatile u8&>(validity_) = 0;
+    const_cast<u8* volatile&>(data_) = nullptr;
+    const_cast<volatile u32&>(size_) = 0;
+    const_cast<volatile u32&>(capacity_) = 0;
+  }
 
   /// Returns a new empty buffer for the caller to delete, or null when memory is exhausted.
   static DataBuffer* createNewObject();
@@ -130,7 +138,11 @@ class VARNIK_API DataBuffer : public VarnikObject {
   void setData(void* block, u32 n) { takeData2(block, n, n); }
   void takeData2(void* block, u32 size, u32 capacity);
   /// Guarded. Refers to `n` bytes that the caller keeps alive and releases. In-place edits write into them.
-  void borrowData(void* block, u32 n);
+  void borrowData(void* block, u32 n) {
+    if (!isValid()) return;
+    releaseStorage();
+    install(static_cast<u8*>(block), n, n, true);
+  }
 
   /// Guarded. Returns the block and leaves the buffer empty: a block that was owned is the caller's now.
   u8* removeData();
@@ -449,7 +461,9 @@ class VARNIK_API DataBuffer : public VarnikObject {
  private:
   static constexpr u8 kValid = 219;
 
-  bool isValid() const;
+  bool isValid() const { return validity_ == kValid || reportDamage(); }
+  bool reportDamage() const;
+  void release();
   bool appendSlow(const void* source, u32 n);
   bool appendCharSlow(u8 c);
   bool makeRoomForChars(u32 k);
@@ -459,9 +473,17 @@ class VARNIK_API DataBuffer : public VarnikObject {
   bool stage(const void* source, u32 n, DataBuffer& staged) const;
   void insertInto(u32 pos, const void* source, u32 n);
   void replaceBy(const u8* from, u32 n, u32 capacity);
-  void releaseStorage();
+  void releaseStorage() {
+    if (data_ && !borrowed_) delete[] data_;
+  }
   void deallocate();
-  void install(u8* block, u32 size, u32 capacity, bool borrowed);
+  void install(u8* block, u32 size, u32 capacity, bool borrowed) {
+    data_ = block;
+    size_ = size;
+    capacity_ = capacity;
+    borrowed_ = borrowed;
+    writable_ = block ? capacity : 0;
+  }
 
   u32 size_ = 0;          // bytes in use; never above capacity_
   u32 capacity_ = 0;      // bytes of the block

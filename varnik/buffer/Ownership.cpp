@@ -50,12 +50,6 @@ void DataBuffer::takeData2(void* block, u32 size, u32 capacity) {
   install(static_cast<u8*>(block), size, capacity, false);
 }
 
-void DataBuffer::borrowData(void* block, u32 n) {
-  if (!isValid()) return;
-  releaseStorage();
-  install(static_cast<u8*>(block), n, n, true);
-}
-
 u8* DataBuffer::removeData() {
   if (!isValid()) return nullptr;
   u8* block = data_;

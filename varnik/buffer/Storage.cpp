@@ -50,26 +50,20 @@ DataBuffer& DataBuffer::operator=(DataBuffer&& other) noexcept {
   return *this;
 }
 
-DataBuffer::~DataBuffer() {
+// What the destructor does about a damaged object, and about storage of its own.
+void DataBuffer::release() {
   if (validity_ != kValid) Psdk::corruptObjectFound(nullptr);
-  // The object's lifetime ends here, so that a compiler may drop every store to it that follows. These must be made: a
-  // later use of the dead object has to fail the check.
-  const_cast<volatile u8&>(validity_) = 0;
-  if (data_ && !borrowed_) {
-    if (secure) vk_memset(data_, 0, size_);
-    delete[] data_;
-  }
-  const_cast<u8* volatile&>(data_) = nullptr;
-  const_cast<volatile u32&>(size_) = 0;
-  const_cast<volatile u32&>(capacity_) = 0;
+  if (!data_ || borrowed_) return;
+  if (secure) vk_memset(data_, 0, size_);
+  delete[] data_;
 }
 
 DataBuffer* DataBuffer::createNewObject() {
   return new (std::nothrow) DataBuffer;
 }
 
-bool DataBuffer::isValid() const {
-  if (validity_ == kValid) return true;
+// The answer of `isValid` for a destroyed or damaged object.
+bool DataBuffer::reportDamage() const {
   Psdk::badObjectFound(nullptr);
   return false;
 }
@@ -81,18 +75,6 @@ bool DataBuffer::checkValidityDb() const {
 void DataBuffer::dumpObject(const char*) const {}
 
 // ---- Storage and growth ----
-
-void DataBuffer::releaseStorage() {
-  if (!borrowed_) delete[] data_;
-}
-
-void DataBuffer::install(u8* block, u32 size, u32 capacity, bool borrowed) {
-  data_ = block;
-  size_ = size;
-  capacity_ = capacity;
-  borrowed_ = borrowed;
-  writable_ = block ? capacity : 0;
-}
 
 void DataBuffer::deallocate() {
   releaseStorage();

@@ -1,7 +1,5 @@
 #include "varnik/services/memory/VarnikObject.h"
 
-VarnikObject::~VarnikObject() = default;
-
 u32 VarnikObject::heapUsage() const {
   return 0;
 }

@@ -6,7 +6,7 @@
 /// The base of the library's heap objects.
 class VARNIK_API VarnikObject {
  public:
-  virtual ~VarnikObject();
+  virtual ~VarnikObject() = default;
 
   /// Returns the bytes of heap memory that the object holds beside its own record; 0 unless a class says otherwise.
   virtual u32 heapUsage() const;
