@@ -1,6 +1,7 @@
 #include "varnik/services/codecs/internal/GroupDecoder.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 #include "varnik/services/codecs/internal/Room.h"
@@ -37,6 +38,7 @@ class Decoding {
   bool decodeTail(u32 end);
   bool decodeHeld();
   bool decodeLastGroup();
+  void gatherGroup(char (&group)[kMostChars]) const;
   DecodeResult skipPadding();
   void skipWhiteSpace();
   u32 skippedAt(u32 at) const;
@@ -142,6 +144,14 @@ DecodeResult Decoding::faultAt(u32 at) const {
   return DecodeResult::fault(at);
 }
 
+// Joins the characters in a register: the processor lets a kernel's wide load wait for narrow stores just made.
+void Decoding::gatherGroup(char (&group)[kMostChars]) const {
+  u64 word = 0;
+  for (u32 k = kMostChars; k-- != 0;) word = word << 8 | static_cast<u8>(k < numHeld_ ? held_[k] : f_.zero);
+  if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
+  std::memcpy(group, &word, kMostChars);
+}
+
 // A group that is not whole is filled with zeros: the bytes that it has no bits for must be zero then. A last character
 // that completes no byte is one too many.
 bool Decoding::decodeLastGroup() {
@@ -150,7 +160,7 @@ bool Decoding::decodeLastGroup() {
   if (count == (numHeld_ - 1) * f_.bits / 8) return false;
   char group[kMostChars];
   u8 bytes[kMostBytes] = {};
-  for (u32 k = 0; k < kMostChars; ++k) group[k] = k < numHeld_ ? held_[k] : f_.zero;
+  gatherGroup(group);
   if (f_.decode(group, f_.chars, bytes) != f_.chars) return false;
   u8 spare = 0;
   for (u32 k = 0; k < kMostBytes; ++k) spare |= k < count ? u8{0} : bytes[k];
