@@ -1,10 +1,13 @@
 #include "varnik/services/codecs/internal/EncodingTable.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
+#include <cstring>
 #include <iterator>
+#include <type_traits>
 
 #include "varnik/services/codecs/Literals.h"
-#include "varnik/services/memory/Text.h"
 #include "varnik/simd/GatherText.h"
 
 namespace vk_codec {
@@ -114,10 +117,49 @@ constexpr Chains chained() {
 }
 constexpr Chains kChains = chained();
 
+// A name of up to 16 characters in two words, which may overlap: names of one length are equal when their words are.
+struct Words {
+  u64 head, tail;
+  bool operator==(const Words&) const = default;
+};
+template <class Word>
+constexpr Word wordAt(const char* p) {
+  std::array<char, sizeof(Word)> bytes{};
+  if (std::is_constant_evaluated()) {
+    std::copy_n(p, sizeof(Word), bytes.begin());
+  } else {
+    std::memcpy(bytes.data(), p, sizeof(Word));
+  }
+  return std::bit_cast<Word>(bytes);
+}
+constexpr Words wordsOf(std::string_view name) {
+  const char* const p = name.data();
+  const std::size_t n = name.size();
+  if (n >= 8) return {wordAt<u64>(p), wordAt<u64>(p + n - 8)};
+  if (n >= 4) return {wordAt<u32>(p), wordAt<u32>(p + n - 4)};
+  return {static_cast<u8>(p[0]), static_cast<u64>(u32{static_cast<u8>(p[n / 2])} << 8 | static_cast<u8>(p[n - 1]))};
+}
+constexpr std::array<Words, std::size(kNames)> kWords = [] {
+  std::array<Words, std::size(kNames)> words{};
+  for (u32 i = 0; i < words.size(); ++i) words[i] = wordsOf(kNames[i].name);
+  return words;
+}();
+
+// The row of a name that is written as in the table, as most are; null where none is or the name is too long for its
+// words. No other row can match such a name first: nothing whole begins with a prefix of the table.
+const EncodingName* findAsWritten(std::string_view name, u8 first) {
+  constexpr std::size_t kMost = 16;
+  if (name.size() > kMost) return nullptr;
+  const Words words = wordsOf(name);
+  for (u8 i = first; i != kEnd; i = kChains.next[i])
+    if (kNames[i].name.size() == name.size() && kWords[i] == words && kNames[i].match == whole) return &kNames[i];
+  return nullptr;
+}
+
 // REQUIRES: texts of the same length.
 bool equalsIgnoreCase(std::string_view a, std::string_view b) {
   for (std::size_t i = 0; i < a.size(); ++i)
-    if (a[i] != b[i] && lowered(a[i]) != lowered(b[i])) return false;  // most are written as in the table
+    if (lowered(a[i]) != lowered(b[i])) return false;
   return true;
 }
 
@@ -145,14 +187,16 @@ std::string_view trimmed(std::string_view text) {
 }
 
 std::string_view trimmed(const char* text) {
-  return text ? trimmed(std::string_view(text, vk_strlen(text))) : std::string_view();
+  return text ? trimmed(std::string_view(text)) : std::string_view();
 }
 
 const EncodingName* findEncodingName(std::string_view name) {
   if (name.empty()) return nullptr;
   const u8 letter = lowered(name[0]);
   if (letter < 'a' || letter > 'z') return nullptr;
-  for (u8 i = kChains.first[letter - 'a']; i != kEnd; i = kChains.next[i])
+  const u8 first = kChains.first[letter - 'a'];
+  if (const EncodingName* const row = findAsWritten(name, first)) return row;
+  for (u8 i = first; i != kEnd; i = kChains.next[i])
     if (matches(kNames[i], name)) return &kNames[i];
   return nullptr;
 }
