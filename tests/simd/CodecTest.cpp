@@ -56,7 +56,7 @@ struct Codec {
 std::vector<Codec> codecs() {
   std::vector<Codec> all;
   for (const bool lower : {false, true})
-    for (const auto& form : VARNIK_FORMS(hexEncode))
+    for (const auto& form : with512(VARNIK_FORMS(hexEncode), vk_simd::hexEncode))  // has no such form of its own
       all.push_back({form.name,
                      lower ? kHexLower : kHexUpper,
                      lower ? "ABCDEF" : "abcdef",
@@ -65,7 +65,7 @@ std::vector<Codec> codecs() {
                      [=](const u8* in, u32 n, char* out) { form.run(in, n, lower, out); },
                      {}});
   for (const bool url : {false, true})
-    for (const auto& form : VARNIK_FORMS(base64Encode))
+    for (const auto& form : VARNIK_FORMS_512(base64Encode))
       all.push_back({form.name,
                      url ? kBase64Url : kBase64,
                      url ? "+/" : "",
@@ -77,11 +77,11 @@ std::vector<Codec> codecs() {
   for (Codec& c : all) {  // the decoder of the same form
     const std::string_view name = c.name;
     const bool url = c.alphabet == kBase64Url;
-    for (const auto& form : VARNIK_FORMS(hexDecode))
+    for (const auto& form : VARNIK_FORMS_512(hexDecode))
       if (c.bits == 4 && name == form.name) c.decode = form.run;
     for (const auto& form : VARNIK_FORMS(base32Decode))
       if (c.bits == 5 && name == form.name) c.decode = form.run;
-    for (const auto& form : VARNIK_FORMS(base64Decode))
+    for (const auto& form : VARNIK_FORMS_512(base64Decode))
       if (c.bits == 6 && name == form.name)
         c.decode = [=](const char* in, u32 n, u8* out) { return form.run(in, n, url, out); };
   }
@@ -152,7 +152,7 @@ TEST(CodecKernels, PutColonsBetweenBytes) {
 TEST(CodecKernels, BreakBase64IntoLines) {
   const vk_simd::LineEnd ends[] = {{{'\r', '\n'}, 2}, {{'&', '#', 'x', 'D', ';', '\n'}, 6}};
   GuardedBytes in(kMost), out(9 * kMost);
-  for (const auto& form : VARNIK_FORMS(base64EncodeLines))
+  for (const auto& form : VARNIK_FORMS_512(base64EncodeLines))
     for (const auto& end : ends)
       for (const u32 lineBytes : {3U, 24U, 27U, 57U, 72U, 600U})
         for (u32 n = 0; n <= kMost; ++n) {
@@ -169,7 +169,7 @@ TEST(CodecKernels, BreakBase64IntoLines) {
 // Whole lines from the front, up to the first that has another end, another length or a foreign character.
 TEST(CodecKernels, DecodeBase64Lines) {
   GuardedBytes in(5 * kMost), out(4 * kMost);
-  for (const auto& form : VARNIK_FORMS(base64DecodeLines))
+  for (const auto& form : VARNIK_FORMS_512(base64DecodeLines))
     for (const std::string_view end : {"\n", "\r\n"})
       for (const u32 lineChars : {4U, 32U, 36U, 60U, 64U, 76U, 100U})
         for (u32 lines = 1; lines < 4; ++lines) {

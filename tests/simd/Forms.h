@@ -18,6 +18,19 @@ struct Form {
 #define VARNIK_FORMS(kernel) formsOf(vk_simd::kernel, vk_simd::kernel##Scalar, vk_simd::kernel##Scalar)
 #endif
 
+/// VARNIK_FORMS_512(name): these and the AVX-512 form.
+#if VARNIK_HAVE_AVX512
+#define VARNIK_FORMS_512(kernel) with512(VARNIK_FORMS(kernel), vk_simd::kernel##Avx512)
+#else
+#define VARNIK_FORMS_512(kernel) VARNIK_FORMS(kernel)
+#endif
+
+template <class Function>
+std::vector<Form<Function>> with512(std::vector<Form<Function>> forms, Function& avx512) {
+  if (vk_simd::hasAvx512()) forms.push_back({"avx512", &avx512});
+  return forms;
+}
+
 template <class Function>
 std::vector<Form<Function>> formsOf(Function& chosen, Function& scalar, Function& avx2) {
   std::vector<Form<Function>> forms = {{"scalar", &scalar}, {"chosen", &chosen}};

@@ -118,7 +118,7 @@ TEST(HexEscape, IsUndone) {
         want += escape ? fromHex(given.substr(i + 1, 2)) : given.substr(i, 1);
         if (escape) i += 2;
       }
-      for (const auto& form : VARNIK_FORMS(unescapeHex))
+      for (const auto& form : VARNIK_FORMS_512(unescapeHex))
         for (const u32 behind : {0u, 1u, 40u}) {
           if (n + behind > kMost) continue;
           const u8* const text = from.ending(given + std::string(behind, '\n'));

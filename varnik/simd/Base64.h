@@ -41,5 +41,11 @@ void base64EncodeLinesAvx2(const u8* in, u32 n, u32 lineBytes, const LineEnd& en
 u32 base64DecodeAvx2(const char* in, u32 n, bool url, u8* out);
 u32 base64DecodeLinesAvx2(const char* in, u32 n, u32 lineChars, std::string_view end, u8* out);
 #endif
+#if VARNIK_HAVE_AVX512
+void base64EncodeAvx512(const u8* in, u32 n, bool url, char* out);
+void base64EncodeLinesAvx512(const u8* in, u32 n, u32 lineBytes, const LineEnd& end, char* out);
+u32 base64DecodeAvx512(const char* in, u32 n, bool url, u8* out);
+u32 base64DecodeLinesAvx512(const char* in, u32 n, u32 lineChars, std::string_view end, u8* out);
+#endif
 
 }  // namespace vk_simd

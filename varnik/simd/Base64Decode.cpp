@@ -246,6 +246,9 @@ template <bool url>
 #endif
 
 u32 base64DecodeLines(const char* in, u32 n, u32 lineChars, std::string_view end, u8* out) {
+#if VARNIK_HAVE_AVX512
+  if (hasAvx512()) return base64DecodeLinesAvx512(in, n, lineChars, end, out);
+#endif
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return base64DecodeLinesAvx2(in, n, lineChars, end, out);
 #endif
@@ -253,6 +256,9 @@ u32 base64DecodeLines(const char* in, u32 n, u32 lineChars, std::string_view end
 }
 
 u32 base64Decode(const char* in, u32 n, bool url, u8* out) {
+#if VARNIK_HAVE_AVX512
+  if (hasAvx512()) return base64DecodeAvx512(in, n, url, out);
+#endif
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return base64DecodeAvx2(in, n, url, out);
 #endif

@@ -184,6 +184,9 @@ template <char first, char second>
 #endif
 
 void base64Encode(const u8* in, u32 n, bool url, char* out) {
+#if VARNIK_HAVE_AVX512
+  if (hasAvx512()) return base64EncodeAvx512(in, n, url, out);
+#endif
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return base64EncodeAvx2(in, n, url, out);
 #endif
@@ -191,6 +194,9 @@ void base64Encode(const u8* in, u32 n, bool url, char* out) {
 }
 
 void base64EncodeLines(const u8* in, u32 n, u32 lineBytes, const LineEnd& end, char* out) {
+#if VARNIK_HAVE_AVX512
+  if (hasAvx512()) return base64EncodeLinesAvx512(in, n, lineBytes, end, out);
+#endif
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return base64EncodeLinesAvx2(in, n, lineBytes, end, out);
 #endif

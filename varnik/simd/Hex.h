@@ -24,5 +24,8 @@ void hexEncodeAvx2(const u8* in, u32 n, bool lower, char* out);
 void hexEncodeColonsAvx2(const u8* in, u32 n, bool lower, char* out);
 u32 hexDecodeAvx2(const char* in, u32 n, u8* out);
 #endif
+#if VARNIK_HAVE_AVX512
+u32 hexDecodeAvx512(const char* in, u32 n, u8* out);
+#endif
 
 }  // namespace vk_simd

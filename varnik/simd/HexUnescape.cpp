@@ -1,5 +1,7 @@
 #include "varnik/simd/HexUnescape.h"
 
+#include "varnik/simd/internal/HexAvx512.h"
+
 #include <array>
 #include <cstring>
 
@@ -155,7 +157,50 @@ constexpr u32 kReach = 34;
 }
 #endif
 
+#if VARNIK_HAVE_AVX512
+namespace {
+
+// 64 characters of a text that goes on for `left` in all; what lies behind reads as zero bytes.
+[[VARNIK_AVX512]] inline __m512i load64(const u8* text, u32 left) {
+  return _mm512_maskz_loadu_epi8(_bzhi_u64(~u64{0}, left < 64 ? left : 64), text);
+}
+
+}  // namespace
+
+// As in the AVX2 form an escape's digits are dropped from its block or the next one.
+[[VARNIK_AVX512]] u32 unescapeHexAvx512(u8 marker, const u8* text, u32 n, u32, u8* out) {
+  const HexTable table = hexTable();
+  const __m512i markers = _mm512_set1_epi8(static_cast<char>(marker));
+  u8* p = out;
+  u64 carried = 0;  // the characters at the front of the block that belong to the last one's escapes
+  for (u32 i = 0; i < n; i += 64) {
+    const u32 left = n - i;
+    __m512i bytes = load64(text + i, left);
+    u64 drop = carried;
+    carried = 0;
+    if (const u64 marked = _mm512_cmpeq_epi8_mask(bytes, markers); marked != 0) {
+      const __m512i high = hexValues(load64(text + i + 1, left - 1), table);
+      const __m512i low = hexValues(load64(text + i + 2, left > 2 ? left - 2 : 0), table);
+      const u64 escapes = marked & ~_mm512_movepi8_mask(_mm512_or_si512(high, low));
+      const __m512i upper = _mm512_slli_epi16(_mm512_and_si512(high, _mm512_set1_epi8(15)), 4);
+      const __m512i values = _mm512_or_si512(upper, low);
+      bytes = _mm512_mask_mov_epi8(bytes, escapes, values);
+      drop |= escapes << 1 | escapes << 2;
+      carried = escapes >> 63 | escapes >> 62;
+    }
+    const u64 keep = _bzhi_u64(~drop, left < 64 ? left : 64);
+    const u32 kept = static_cast<u32>(__builtin_popcountll(keep));
+    _mm512_mask_storeu_epi8(p, _bzhi_u64(~u64{0}, kept), _mm512_maskz_compress_epi8(keep, bytes));
+    p += kept;
+  }
+  return static_cast<u32>(p - out);
+}
+#endif
+
 u32 unescapeHex(u8 marker, const u8* text, u32 n, u32 readable, u8* out) {
+#if VARNIK_HAVE_AVX512
+  if (hasAvx512()) return unescapeHexAvx512(marker, text, n, readable, out);
+#endif
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return unescapeHexAvx2(marker, text, n, readable, out);
 #endif

@@ -19,6 +19,9 @@ u32 unescapeHexScalar(u8 marker, const u8* text, u32 n, u32 readable, u8* out);
 #if VARNIK_HAVE_AVX2
 u32 unescapeHexAvx2(u8 marker, const u8* text, u32 n, u32 readable, u8* out);
 #endif
+#if VARNIK_HAVE_AVX512
+u32 unescapeHexAvx512(u8 marker, const u8* text, u32 n, u32 readable, u8* out);
+#endif
 
 /// Returns the value of a hex digit, 0xFF when the character is none.
 constexpr u8 hexValue(u8 c) {

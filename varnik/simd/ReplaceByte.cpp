@@ -36,7 +36,25 @@ namespace {
 }
 #endif
 
+#if VARNIK_HAVE_AVX512
+[[VARNIK_AVX512]] void replaceByteAvx512(u8* data, u32 n, u8 from, u8 to) {
+  const __m512i old = _mm512_set1_epi8(static_cast<char>(from)), now = _mm512_set1_epi8(static_cast<char>(to));
+  u32 i = 0;
+  for (; n - i >= 64; i += 64) {
+    const __m512i block = _mm512_loadu_si512(data + i);
+    _mm512_storeu_si512(data + i, _mm512_mask_mov_epi8(block, _mm512_cmpeq_epi8_mask(block, old), now));
+  }
+  if (i == n) return;
+  const u64 rest = _bzhi_u64(~u64{0}, n - i);
+  const __m512i block = _mm512_maskz_loadu_epi8(rest, data + i);
+  _mm512_mask_storeu_epi8(data + i, rest & _mm512_cmpeq_epi8_mask(block, old), now);
+}
+#endif
+
 void replaceByte(u8* data, u32 n, u8 from, u8 to) {
+#if VARNIK_HAVE_AVX512
+  if (hasAvx512()) return replaceByteAvx512(data, n, from, to);
+#endif
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return replaceByteAvx2(data, n, from, to);
 #endif
