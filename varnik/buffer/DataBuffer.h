@@ -42,12 +42,13 @@ class VARNIK_API DataBuffer : public VarnikObject {
   /// Releases owned storage; the bytes in use of a secure buffer are zeroed before.
   ~DataBuffer() override {
     if (validity_ != kValid || (data_ && !borrowed_)) release();
-    // The object's lifetime ends here, so that a compiler may drop every store to it that follows. These must be made:
-    // a later use of the dead object has to fail the check.
-    const_cast<volatile u8&>(validity_) = 0;
-    const_cast<u8* volatile&>(data_) = nullptr;
-    const_cast<volatile u32&>(size_) = 0;
-    const_cast<volatile u32&>(capacity_) = 0;
+    validity_ = 0;
+    data_ = nullptr;
+    size_ = 0;
+    capacity_ = 0;
+    // The object's lifetime ends here, so that a compiler may drop every store to it, these and the constructor's. They
+    // must be made, as for a reader that it does not see: a later use of the dead object has to fail the check.
+    asm volatile("" : : "r"(this) : "memory");
   }
 
   /// Returns a new empty buffer for the caller to delete, or null when memory is exhausted.
