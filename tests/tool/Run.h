@@ -1,7 +1,9 @@
 // Runs the real tool through the shell, as a person would.
 #pragma once
 
+#include <sys/resource.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -12,6 +14,7 @@
 struct Ran {
   int status;  // the exit status; 128 and the signal's number for a process that was killed
   std::string out, err;
+  long mostResident;  // KiB, at the most
 };
 
 inline std::string contentOf(const std::filesystem::path& file) {
@@ -41,9 +44,16 @@ class Desk {
     const std::string tool = std::filesystem::path(VKBUF).parent_path().string();
     const std::string whole = "cd '" + (folder_ / "desk").string() + "' && PATH='" + tool +
                               "':\"$PATH\" && LC_ALL=C.UTF-8 && { " + line + "\n} >../out 2>../err </dev/null";
-    const int status = std::system(whole.c_str());
+    const pid_t child = fork();
+    if (child == 0) {
+      execl("/bin/sh", "sh", "-c", whole.c_str(), nullptr);
+      _exit(127);
+    }
+    int status = 0;
+    rusage used = {};
+    wait4(child, &status, 0, &used);
     return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), contentOf(folder_ / "out"),
-            contentOf(folder_ / "err")};
+            contentOf(folder_ / "err"), used.ru_maxrss};
   }
 
  private:

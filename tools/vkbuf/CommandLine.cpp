@@ -47,6 +47,7 @@ std::vector<OptionFacts> optionsOf(const CommandLine& line) {
                       option->get_option_text(),
                       option->get_description(),
                       option->get_positional(),
+                      option->get_required(),
                       option->get_group() == kShared};
     if (facts.value == " ") facts.value.clear();
     for (const std::string& name : option->get_snames()) facts.names.push_back("-" + name);

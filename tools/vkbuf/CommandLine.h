@@ -27,7 +27,7 @@ struct OptionFacts {
   std::vector<std::string> names;  // "-w", "--wrap"; one for an operand
   std::string value;               // what it takes: "N", "lf|crlf"; empty for a flag
   std::string what;
-  bool isOperand, isShared;
+  bool isOperand, isRequired, isShared;
   /// The values to choose among, where these are a few.
   std::vector<std::string> choices() const;
 };

@@ -2,6 +2,7 @@
 
 #include "tools/vkbuf/Failure.h"
 #include "tools/vkbuf/Nearest.h"
+#include "varnik/services/codecs/internal/EncodingTable.h"
 
 namespace {
 
@@ -39,7 +40,7 @@ const Command& commandCalled(const std::string& name) {
   for (const Command& each : kCommands)
     if (each.name == name) return each;
   throw Failure(kFailed, "no command is called '" + name + "'; nearest: " + nearestNames(name, commandNames()),
-                "vkbuf --help");
+                vk_codec::findEncodingName(name) ? "vkbuf encode " + name + ", vkbuf decode " + name : "vkbuf --help");
 }
 
 std::vector<std::string> commandNames() {

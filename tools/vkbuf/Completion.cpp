@@ -150,8 +150,9 @@ std::function<int()> setUpCompletion(CLI::App& app) {
       ->check(CLI::IsMember({"bash", "zsh", "fish"}));
   options->job.addOutput(app);
   app.footer(
+      "Put it where the shell looks, or read it in: . ./vkbuf.bash\n\n"
       "Examples:\n"
-      "  vkbuf completion bash -o vkbuf.bash && . ./vkbuf.bash\n"
+      "  vkbuf completion bash -o vkbuf.bash\n"
       "  vkbuf completion zsh -o _vkbuf\n"
       "  vkbuf completion fish -o vkbuf.fish\n");
   return [options] {

@@ -62,6 +62,7 @@ class Decoding {
   void nothingMore(Window& window);
   [[noreturn]] void refuse(const u8* text, u32 n, u32 at);
   std::string reasonAt(const u8* text, u32 at) const;
+  bool hasPadding() const { return id_ != kAscii85 && isIn(alphabet_, '='); }
 
   const Options& options_;
   s32 id_;
@@ -134,7 +135,7 @@ void Decoding::piece(u8* text, u32 n, bool ends) {
   if (bad) refuse(text, n, result.badAt);
   begun_ = true;
   place_.pass(text, n);
-  padded_ = padded_ || (isIn(alphabet_, '=') && std::memchr(text, '=', n));
+  padded_ = padded_ || (hasPadding() && std::memchr(text, '=', n));
 }
 
 // Decoders may look for the end of the text, so the character behind it is a zero meanwhile.
@@ -187,7 +188,8 @@ void Decoding::nothingMore(Window& window) {
 std::string Decoding::reasonAt(const u8* text, u32 at) const {
   if (alphabet_.empty()) return "does not decode";
   if (!isIn(alphabet_, text[at])) return "is not in the alphabet";
-  if (isIn(alphabet_, '=') && (padded_ || std::memchr(text, '=', at))) return "stands behind the padding";
+  if (padded_ && id_ == kAscii85) return "stands behind the end of the frame";
+  if (padded_ || (hasPadding() && std::memchr(text, '=', at))) return "stands behind the padding";
   return "belongs to a group that is incomplete or that no encoder writes";
 }
 

@@ -127,12 +127,12 @@ void encodePiece(const Options& options, const u8* data, u32 n, StringBuffer& te
 void encodeWhole(Options& options, Lines& lines) {
   DataBuffer data;
   options.job.read(data);
-  options.job.noteLineEnd(data.getData2(), data.size());
   StringBuffer text;
   encodePiece(options, data.getData2(), data.size(), text);
   Output output = options.job.begin();
   lines.write(text, output);
   output.finish();
+  options.job.noteLineEnd(data.getData2(), data.size());
 }
 
 // Takes what stands around the text of every piece away where pieces meet: the lines `begin` and `end` of uuencoded
@@ -163,9 +163,9 @@ void encodeStream(Options& options, TextCodec codec, Lines& lines) {
     if (last) break;
     window.advance(n);
   }
-  options.job.noteLineEnd(window.data(), window.size());
   lines.finish(output);
   output.finish();
+  options.job.noteLineEnd(window.data(), window.size());
 }
 
 int encode(Options& options) {

@@ -60,7 +60,7 @@ std::vector<Field> fieldsOf(const Job& job, const std::string& list, char mark) 
     for (const Type& each : kTypes)
       if (name == each.name) type = &each;
     if (!type)
-      job.fail("no type is called '" + name + "'; nearest: " + nearestNames(name, typeNames()), "fields --help");
+      job.fail("no type is called '" + name + "'; nearest: " + nearestNames(name, typeNames()), "vkbuf fields --help");
     const bool hasOperand = split != item.size();
     if (hasOperand != (mark == '=' || type->bytes == 0))
       job.fail("'" + item + "': " +

@@ -83,7 +83,9 @@ std::string manualOf(const Command& command) {
   std::string operands, options, shared, usage = std::string("\\fBvkbuf ") + command.name + "\\fR [\\fIOPTIONS\\fR]";
   for (const OptionFacts& option : optionsOf(line)) {
     (option.isOperand ? operands : option.isShared ? shared : options) += entry(option);
-    if (option.isOperand) usage += " \\fI" + option.names[0] + "\\fR";
+    if (!option.isOperand) continue;
+    const std::string name = "\\fI" + option.names[0] + "\\fR";
+    usage += option.isRequired ? " " + name : " [" + name + "]";
   }
   const std::string footer = line.app->get_footer();
   const size_t examples = footer.find("Examples:\n"), statuses = footer.find("\nExit status:");

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "tools/vkbuf/Job.h"
+#include "tools/vkbuf/Progress.h"
 
 namespace {
 
@@ -23,6 +24,7 @@ void writeStandard(const Job& job, const void* data, std::size_t n) {
 
 Output::Output(const Job& job, const std::string& file, bool newline) : job_(job), newline_(newline) {
   if (!file.empty() && file != "-") saver_.emplace(job, file);
+  if (!saver_ && isatty(STDOUT_FILENO)) Progress::hide();
   terminal_ = file.empty() && isatty(STDOUT_FILENO);
 }
 

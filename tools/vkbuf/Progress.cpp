@@ -10,9 +10,12 @@
 namespace {
 
 std::atomic<u64> numRead{0}, numExpected{0};
-std::atomic<bool> lineShown{false}, hidden{false};
+
+std::mutex screen;  // guards what follows
+bool lineShown = false, hidden = false;
 
 void show(long seconds) {
+  const std::lock_guard lock(screen);
   if (hidden) return;
   constexpr u64 kMiB = 1024 * 1024;
   const auto done = static_cast<unsigned long long>(numRead / kMiB);
@@ -28,7 +31,7 @@ void show(long seconds) {
 
 // Signals are the main thread's: its handler takes the temporary away.
 Progress::Progress() {
-  if (!isatty(STDERR_FILENO) || isatty(STDOUT_FILENO)) return;
+  if (!isatty(STDERR_FILENO)) return;
   sigset_t all, before;
   sigfillset(&all);
   pthread_sigmask(SIG_BLOCK, &all, &before);
@@ -62,9 +65,13 @@ void Progress::expect(u64 bytes) {
 }
 
 void Progress::hide() {
+  clearLine();
+  const std::lock_guard lock(screen);
   hidden = true;
 }
 
 void Progress::clearLine() {
-  if (lineShown.exchange(false)) std::fputs("\r\033[K", stderr);
+  const std::lock_guard lock(screen);
+  if (lineShown) std::fputs("\r\033[K", stderr);
+  lineShown = false;
 }

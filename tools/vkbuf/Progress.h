@@ -20,7 +20,7 @@ class Progress {
   /// Counts bytes that were read; adds to those that will be.
   static void read(u64 bytes);
   static void expect(u64 bytes);
-  /// Shows nothing from now on: a person types the input.
+  /// Shows nothing from now on: a person types the input, or sees the result.
   static void hide();
   /// Takes the line back, for a message to stand in its place.
   static void clearLine();
