@@ -81,7 +81,7 @@ std::string zshOption(const OptionFacts& option) {
   }
   std::string lines;
   for (const std::string& name : option.names)
-    lines += " \\\n        '*" + name + "[" + quoted(option.what, "[]:") + "]" + value + "'";
+    lines.append(" \\\n        '*").append(name).append("[" + quoted(option.what, "[]:") + "]").append(value + "'");
   return lines;
 }
 
@@ -96,8 +96,8 @@ std::string zshScript() {
       else if (const std::string words = wordsOf(option); !words.empty() && operand.empty())
         operand = " \\\n        \"1:" + option.names[0] + ":(" + words + ")\"";
     }
-    cases += std::string("    ") + command.name + ")\n      _arguments -S" + options + operand +
-             " \\\n        '*:file:_files' ;;\n";
+    cases.append("    ").append(command.name).append(")\n      _arguments -S").append(options).append(operand);
+    cases += " \\\n        '*:file:_files' ;;\n";
   }
   return "#compdef vkbuf\nlocal -a commands\ncommands=(\n" + commands +
          ")\nif (( CURRENT == 2 )); then\n  _describe command commands\nelse\n  shift words\n  (( CURRENT-- ))\n  "

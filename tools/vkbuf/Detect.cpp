@@ -160,7 +160,8 @@ void report(const Options& options, const std::string& file, DataBuffer& data, s
     return;
   }
   text += name + ": " + std::to_string(data.size()) + " bytes\n";
-  for (const auto& [what, fact] : factsOf(data)) text += "  " + what + std::string(17 - what.size(), ' ') + fact + "\n";
+  for (const auto& [what, fact] : factsOf(data))
+    text.append("  ").append(what).append(17 - what.size(), ' ').append(fact).append("\n");
 }
 
 int detect(Options& options) {

@@ -105,7 +105,7 @@ To bitsOf(From value) {
 
 void put(const Job& job, const Field& field, DataBuffer& out) {
   const Type& type = *field.type;
-  const u32 spare = 64 - 8 * type.bytes;
+  const u32 spare = type.bytes == 0 ? 0 : 64 - 8 * type.bytes;
   switch (type.content) {
     case Content::natural: {
       const u64 value = numberOf<u64>(job, field);
@@ -143,7 +143,7 @@ std::string realOf(double value, const std::string& digits, bool json) {
 std::string valueOf(const Type& type, const u8* data, u32 n, bool json) {
   u64 bits = 0;
   for (u32 i = 0; i < type.bytes; ++i) bits |= u64{data[i]} << (8 * (type.littleEndian ? i : type.bytes - 1 - i));
-  const u32 spare = 64 - 8 * type.bytes;
+  const u32 spare = type.bytes == 0 ? 0 : 64 - 8 * type.bytes;
   switch (type.content) {
     case Content::natural:
       return std::to_string(bits);

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "tools/vkbuf/Commands.h"
 #include "tools/vkbuf/DumpReader.h"
@@ -22,55 +23,45 @@ struct Options {
   bool canonical = false, plain = false, reverse = false;
 };
 
-// For each byte its two digits, and the character that stands for it in the column of text.
-struct Forms {
-  char digits[256][2];
-  char text[256];
-};
-constexpr Forms makeForms() {
-  Forms forms{};
-  for (int b = 0; b < 256; ++b) {
-    forms.digits[b][0] = "0123456789abcdef"[b >> 4];
-    forms.digits[b][1] = "0123456789abcdef"[b & 15];
-    forms.text[b] = b >= 0x20 && b < 0x7F ? static_cast<char>(b) : '.';
-  }
-  return forms;
-}
-constexpr Forms kForms = makeForms();
-
-char* putDigits(char* to, u8 byte) {
-  std::memcpy(to, kForms.digits[byte], 2);
-  return to + 2;
+// The character that stands for a byte in the column of text.
+char shown(u8 byte) {
+  return static_cast<u8>(byte - 0x20) < 0x5F ? static_cast<char>(byte) : '.';
 }
 
 // Eight digits, more past 4 GiB.
 char* putOffset(char* to, u64 offset) {
-  int bytes = 4;
-  while (bytes < 8 && offset >> (8 * bytes) != 0) ++bytes;
-  while (bytes-- != 0) to = putDigits(to, static_cast<u8>(offset >> (8 * bytes)));
+  int digits = 8;
+  while (digits < 16 && offset >> (4 * digits) != 0) ++digits;
+  while (digits-- != 0) *to++ = "0123456789abcdef"[offset >> (4 * digits) & 15];
   return to;
 }
 
 // What a line of a dump takes at most.
 constexpr u32 kMostLine = 16 + 2 + 3 * kPerLine + 2 + kPerLine + 4;
 
+// Each form puts a line of up to 16 bytes, whose digits are there already, and returns where it ends.
+
 // "00000000: 6162 6305 0505 0505                      abc....."
 struct XxdForm {
-  static char* put(char* to, u64 offset, const u8* data, u32 n) {
+  static char* put(char* to, u64 offset, const u8* data, const char* digits, u32 n) {
+    constexpr u32 kHexChars = kPerLine / 2 * 5 + 1;
     to = putOffset(to, offset);
     *to++ = ':';
     *to++ = ' ';
-    constexpr u32 kHexChars = kPerLine / 2 * 5 + 1;
-    if (n < kPerLine) std::memset(to, ' ', kHexChars);
-    for (u32 i = 0; i < n; ++i) {
-      putDigits(to + i * 2 + i / 2, data[i]);
-      if (i % 2 == 1) to[i * 2 + i / 2 + 2] = ' ';
-      to[kHexChars + i] = kForms.text[data[i]];
+    if (n < kPerLine) {
+      std::memset(to, ' ', kHexChars);
+      for (u32 i = 0; i < n; ++i) std::memcpy(to + i * 2 + i / 2, digits + 2 * i, 2);
+      for (u32 i = 0; i < n; ++i) to[kHexChars + i] = shown(data[i]);
+    } else {
+      for (u32 i = 0; i < kPerLine / 2; ++i) {
+        std::memcpy(to + 5 * i, digits + 4 * i, 4);
+        to[5 * i + 4] = ' ';
+      }
+      to[kHexChars - 1] = ' ';
+      for (u32 i = 0; i < kPerLine; ++i) to[kHexChars + i] = shown(data[i]);
     }
-    to[kHexChars - 1] = ' ';
-    to += kHexChars + n;
-    *to++ = '\n';
-    return to;
+    to[kHexChars + n] = '\n';
+    return to + kHexChars + n + 1;
   }
   static char* end(char* to, u64) { return to; }
   static constexpr bool kSqueezes = false;
@@ -78,16 +69,16 @@ struct XxdForm {
 
 // "00000000  61 62 63 05 05 05 05 05                           |abc.....|", equal lines as one '*'.
 struct CanonicalForm {
-  static char* put(char* to, u64 offset, const u8* data, u32 n) {
+  static char* put(char* to, u64 offset, const u8* data, const char* digits, u32 n) {
     constexpr u32 kHexChars = 3 * kPerLine + 2;
     to = putOffset(to, offset);
     *to++ = ' ';
     std::memset(to, ' ', kHexChars);
-    for (u32 i = 0; i < n; ++i) putDigits(to + 1 + i * 3 + i / 8, data[i]);
+    for (u32 i = 0; i < n; ++i) std::memcpy(to + 1 + i * 3 + i / 8, digits + 2 * i, 2);
     to += kHexChars;
     *to++ = ' ';
     *to++ = '|';
-    for (u32 i = 0; i < n; ++i) *to++ = kForms.text[data[i]];
+    for (u32 i = 0; i < n; ++i) *to++ = shown(data[i]);
     *to++ = '|';
     *to++ = '\n';
     return to;
@@ -100,31 +91,67 @@ struct CanonicalForm {
   static constexpr bool kSqueezes = true;
 };
 
+// The digits of a part of the data that stays in the processor's nearest cache.
+class Digits {
+ public:
+  static constexpr u32 kPart = 4096;
+  const char* of(const u8* data, u32 n) {
+    text_.weakClear();
+    DataBuffer::encodeDB2("hexlower", data, n, text_);
+    return text_.getString();
+  }
+
+ private:
+  StringBuffer text_;
+};
+
+// Dumps a part, at most `kPart` bytes, and returns where the lines end.
+template <class Form>
+class Lines {
+ public:
+  char* put(char* to, u64 offset, const u8* data, u32 n) {
+    const char* const digits = digits_.of(data, n);
+    for (u32 at = 0; at < n; at += kPerLine) {
+      const u32 length = std::min(kPerLine, n - at);
+      if (Form::kSqueezes && isRepeated(data + at, length)) {
+        if (!squeezing_) to = std::copy_n("*\n", 2, to);
+        squeezing_ = true;
+        continue;
+      }
+      squeezing_ = false;
+      to = Form::put(to, offset + at, data + at, digits + u64{2} * at, length);
+    }
+    return to;
+  }
+
+ private:
+  // Whether a whole line is the same as the one before it.
+  bool isRepeated(const u8* data, u32 length) {
+    if (length < kPerLine) return false;
+    const bool same = hasPrevious_ && std::memcmp(previous_.data(), data, kPerLine) == 0;
+    std::memcpy(previous_.data(), data, kPerLine);
+    hasPrevious_ = true;
+    return same;
+  }
+
+  Digits digits_;
+  std::array<u8, kPerLine> previous_{};
+  bool hasPrevious_ = false, squeezing_ = false;
+};
+
 template <class Form>
 void dumpLines(Window& window, u64 offset, Output& output) {
-  std::string lines;
-  std::array<u8, kPerLine> previous{};
-  bool hasPrevious = false, squeezing = false;
+  Lines<Form> lines;
+  std::vector<char> area;
   for (;;) {
     const u32 n = window.isLast() ? window.size() : window.size() / kPerLine * kPerLine;
-    lines.resize(u64{n / kPerLine + 2} * kMostLine);
-    char* to = lines.data();
-    for (u32 at = 0; at < n; at += kPerLine) {
-      const u8* const data = window.data() + at;
-      const u32 length = std::min(kPerLine, n - at);
-      if (Form::kSqueezes && length == kPerLine) {
-        const bool same = hasPrevious && std::memcmp(previous.data(), data, kPerLine) == 0;
-        std::memcpy(previous.data(), data, kPerLine);
-        hasPrevious = true;
-        if (same && !squeezing) to = std::copy_n("*\n", 2, to);
-        squeezing = same;
-        if (same) continue;
-      }
-      to = Form::put(to, offset + at, data, length);
-    }
+    area.resize(u64{n / kPerLine + 2} * kMostLine);
+    char* to = area.data();
+    for (u32 at = 0; at < n; at += Digits::kPart)
+      to = lines.put(to, offset + at, window.data() + at, std::min(Digits::kPart, n - at));
     offset += n;
     if (window.isLast() && offset != 0) to = Form::end(to, offset);
-    output.write(lines.data(), static_cast<size_t>(to - lines.data()));
+    output.write(area.data(), static_cast<size_t>(to - area.data()));
     if (window.isLast()) return;
     window.advance(n);
   }
@@ -133,13 +160,14 @@ void dumpLines(Window& window, u64 offset, Output& output) {
 // Digits alone, in lines.
 void dumpPlain(Window& window, u64 width, Output& output) {
   std::string lines;
+  Digits digits;
   for (u64 column = 0;;) {
     lines.clear();
     for (u32 at = 0; at < window.size();) {
-      const u64 n = width == 0 ? window.size() - at : std::min<u64>((width - column) / 2, window.size() - at);
-      for (const u8* byte = window.data() + at; byte != window.data() + at + n; ++byte)
-        lines.append(kForms.digits[*byte], 2);
-      at += static_cast<u32>(n);
+      const u64 room = width == 0 ? Digits::kPart : std::min<u64>((width - column) / 2, Digits::kPart);
+      const u32 n = static_cast<u32>(std::min<u64>(room, window.size() - at));
+      lines.append(digits.of(window.data() + at, n), 2 * n);
+      at += n;
       column += 2 * n;
       if (width == 0 || column < width) continue;
       lines += '\n';

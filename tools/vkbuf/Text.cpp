@@ -75,7 +75,7 @@ std::string jsonText(std::string_view text) {
 }
 
 void Place::pass(const u8* data, u32 n) {
-  const u64 lines = static_cast<u64>(std::count(data, data + n, u8{'\n'}));
+  const u32 lines = countBytes(data, n, [](u8 c) { return c == '\n'; });
   if (lines != 0) {
     u32 start = n;
     while (data[start - 1] != '\n') --start;

@@ -18,6 +18,23 @@ constexpr bool isWhiteSpace(u8 c) {
   return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
+/// Counts the bytes that `is` holds for, in lanes that become vector registers.
+template <class Is>
+u32 countBytes(const u8* data, u32 n, Is is) {
+  constexpr u32 kLanes = 32, kMostRows = 255;  // a lane counts in one byte
+  u32 count = 0;
+  for (; n >= kLanes;) {
+    const u32 rows = n / kLanes < kMostRows ? n / kLanes : kMostRows;
+    u8 lanes[kLanes] = {};
+    for (u32 row = 0; row < rows; ++row, data += kLanes)
+      for (u32 k = 0; k < kLanes; ++k) lanes[k] = static_cast<u8>(lanes[k] + (is(data[k]) ? 1 : 0));
+    for (const u8 lane : lanes) count += lane;
+    n -= rows * kLanes;
+  }
+  for (u32 k = 0; k < n; ++k) count += is(data[k]) ? 1U : 0U;
+  return count;
+}
+
 /// Returns "'!' (0x21)", or "byte 0xff" for what cannot be printed.
 std::string nameOfByte(u8 b);
 

@@ -1,6 +1,5 @@
 #include "tools/vkbuf/TextPieces.h"
 
-#include <algorithm>
 #include <cstring>
 
 #include "tools/vkbuf/Text.h"
@@ -23,12 +22,9 @@ struct Groups {
 };
 
 u32 countSignificant(const Groups& groups, const u8* text, u32 n) {
-  u32 count = 0;
-  for (u32 i = 0; i < n; ++i) count += isWhiteSpace(text[i]) ? 0U : 1U;
-  if (groups.whole != 0) {
-    const auto wholes = std::count(text, text + n, static_cast<u8>(groups.whole));
-    count += static_cast<u32>(wholes) * (groups.chars - 1);
-  }
+  u32 count = n - countBytes(text, n, isWhiteSpace);
+  const u8 whole = static_cast<u8>(groups.whole);
+  if (whole != 0) count += countBytes(text, n, [whole](u8 c) { return c == whole; }) * (groups.chars - 1);
   if (!groups.references) return count;
   const u8* const end = text + n;
   for (const u8* at = text; (at = findChar(at, static_cast<u32>(end - at), '&')); ++at)
@@ -45,7 +41,7 @@ u32 backToGroup(const Groups& groups, const u8* text, u32 n, u32 extra) {
     if (groups.references && n + 1 >= kReference && isReturnReference(text + n + 1 - kReference, kReference))
       n -= kReference - 1;
     else
-      passed += groups.whole != 0 && text[n] == groups.whole ? groups.chars : 1;
+      passed += groups.whole != 0 && text[n] == static_cast<u8>(groups.whole) ? groups.chars : 1;
   }
   return n;
 }

@@ -33,14 +33,17 @@ void checkLeftOver(const CLI::App& app, const std::string& command, bool takesMo
   bool optionsEnded = false;
   for (const std::string& word : app.remaining()) {
     const bool isOption = !optionsEnded && word.size() > 1 && word[0] == '-';
+    std::string fault;
     if (word == "--")
       optionsEnded = true;
     else if (isOption)
-      throw Failure(kFailed,
-                    command + ": no option is called '" + word + "'; nearest: " + nearestNames(word, optionNames(app)),
-                    hint);
+      fault.append("no option is called '")
+          .append(word)
+          .append("'; nearest: ")
+          .append(nearestNames(word, optionNames(app)));
     else if (!takesMore)
-      throw Failure(kFailed, command + ": '" + word + "' is one operand too many", hint);
+      fault.append("'").append(word).append("' is one operand too many");
+    if (!fault.empty()) throw Failure(kFailed, std::string(command).append(": ").append(fault), hint);
   }
 }
 
