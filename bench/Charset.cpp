@@ -78,7 +78,7 @@ void addDirect(const std::string& operation, const Bytes& source) {
 void addAll(const std::string& name, s32 from, s32 to, const char* icuFrom, const char* icuTo,
             const std::vector<std::string>& kinds) {
   for (const std::string& kind : kinds)
-    for (const std::size_t n : {std::size_t{64}, std::size_t{4} << 10, std::size_t{1} << 20}) {
+    for (const std::size_t n : {std::size_t{64}, std::size_t{512}, std::size_t{4} << 10, std::size_t{1} << 20}) {
       const Bytes source = converted(65001, from, text(kind, n));
       const std::string operation = name + ":" + kind;
       const auto out = std::make_shared<DataBuffer>();
