@@ -101,6 +101,7 @@ void addSecret(std::size_t n) {
   });
   bench::add("secret_get", n, "varnik", [=, out = DataBuffer()]() mutable {
     LogNull log;
+    out.clear();
     return holder->getSecret(*ourKey, out, log);
   });
 }
