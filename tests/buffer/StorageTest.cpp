@@ -276,6 +276,8 @@ TEST(Storage, RefusesADestroyedObject) {
   EXPECT_TRUE(wasMarkedDead);
   DataBuffer other = bufferOf("xyz");
   StringBuffer text("text"), out;
+  XString path;
+  path.setFromUtf8("/dev/null");
   LogNull log;
   u8 byte = 0;
   const std::pair<const char*, std::function<bool()>> kCalls[] = {
@@ -312,6 +314,31 @@ TEST(Storage, RefusesADestroyedObject) {
       {"insertAt", [&] { return b->insertAt(1, "abc", 3); }},
       {"removeHead", [&] { return b->removeHead(1), false; }},
       {"exclusiveOr", [&] { return b->exclusiveOr(other, other); }},
+      {"processRawPopMime", [&] { return b->processRawPopMime(), false; }},
+      {"stripTerminalColorCodes", [&] { return b->stripTerminalColorCodes(), false; }},
+      {"containsBareCRLF", [&] { return b->containsBareCRLF(); }},
+      {"hasLineLonger", [&] { return b->hasLineLonger(0); }},
+      {"findByte", [&] { return b->findByte(1) != nullptr; }},
+      {"containsChar", [&] { return b->containsChar('a'); }},
+      {"replaceChar", [&] { return b->replaceChar('a', 'b'), false; }},
+      {"drop_non_usascii", [&] { return b->drop_non_usascii(), false; }},
+      {"appendSkipNulls", [&] { return b->appendSkipNulls(&byte, 1); }},
+      {"appendSkipNulls of nothing", [&] { return b->appendSkipNulls(nullptr, 0); }},
+      {"dropNullBytes", [&] { return b->dropNullBytes(), false; }},
+      {"altBytesNull", [&] { return b->altBytesNull(); }},
+      {"consumeUtf8CombiningMarks", [&] { return b->consumeUtf8CombiningMarks(), false; }},
+      {"toHexString", [&] { return b->toHexString(out), !out.isEmpty(); }},
+      {"toHexLines", [&] { return b->toHexLines(out, 16), !out.isEmpty(); }},
+      {"padForEncryption", [&] { return b->padForEncryption(0, 16, log) != 0; }},
+      {"copyAndPadForEncryption", [&] { return b->copyAndPadForEncryption(other, 0, 16, log), false; }},
+      {"unpadAfterDecryption", [&] { return b->unpadAfterDecryption(0, 16, log); }},
+      {"verifyTlsPadding", [&] { return b->verifyTlsPadding(log); }},
+      {"loadFileUtf8", [&] { return b->loadFileUtf8("/dev/null", &log); }},
+      {"loadFileX", [&] { return b->loadFileX(path, log); }},
+      {"db_saveToFileUtf8", [&] { return b->db_saveToFileUtf8("/dev/null", nullptr); }},
+      {"loadFileWithHeaderUtf8", [&] { return b->loadFileWithHeaderUtf8("/dev/null", other, 9, log); }},
+      {"loadCacheHeaderUtf8", [&] { return b->loadCacheHeaderUtf8("/dev/null", 9, log); }},
+      {"loadFileChunk", [&] { return b->loadFileChunk("/dev/null", 0, 9, log); }},
   };
   for (const auto& [name, call] : kCalls) {
     const u32 reports = Psdk::numReports();
@@ -326,6 +353,9 @@ TEST(Storage, RefusesADestroyedObject) {
   EXPECT_TRUE(b->ensureBuffer(0) && b->canAppendWithoutRealloc(0) && b->appendCharN('x', 0) && b->appendStr(nullptr));
   EXPECT_TRUE(b->append(StringBuffer()));
   b->takeDataPtr(nullptr);
+  b->removeByteValue('a'), b->reverseBytes(), b->removeCharOccurancesW('a'), b->replaceCharW('a', 'b');
+  b->toUppercaseW(), b->toLowercaseW();
+  EXPECT_FALSE(b->chopAtFirstCharW('a') || b->chopAtLastCharW('a'));
   EXPECT_EQ(Psdk::numReports(), reports);
   b->DataBuffer::~DataBuffer();
   EXPECT_EQ(Psdk::numReports(), reports + 1);

@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <new>
-
-#include "tests/support/Allocations.h"
 #include "tests/support/Bytes.h"
 
 namespace {
@@ -52,35 +49,6 @@ TEST(Hex, RendersLines) {
       EXPECT_EQ(linesOf(bytes, perLine), slowLines(bytes, perLine)) << n << " bytes, " << perLine << " a line";
     }
   EXPECT_EQ(linesOf("", 4), "");
-}
-
-TEST(Hex, ReportsADestroyedBufferOnce) {
-  alignas(DataBuffer) unsigned char place[sizeof(DataBuffer)];
-  DataBuffer* const dead = new (place) DataBuffer;
-  dead->append("abc", 3);
-  dead->~DataBuffer();
-  StringBuffer out;
-  const u32 before = Psdk::numReports();
-  dead->toHexString(out);
-  EXPECT_EQ(Psdk::numReports(), before + 1);
-  dead->toHexLines(out, 16);
-  EXPECT_EQ(Psdk::numReports(), before + 2);
-  EXPECT_EQ(out.getSize(), 0U);
-}
-
-TEST(Hex, AppendsWhatFitsWhenMemoryIsShort) {
-  const std::string bytes = randomBytes(1000), want = slowLines(bytes, 16);
-  DataBuffer data = bufferOf(bytes);
-  faults::failEachAllocation([&](u32 k, bool forGood) {
-    StringBuffer out;
-    out.getAppendPtr(600);
-    const faults::FailAllocation failing(k, forGood);
-    data.toHexLines(out, 16);
-    const bool struck = failing.struck();
-    EXPECT_EQ(want.compare(0, out.getSize(), out.getString(), out.getSize()), 0);
-    EXPECT_GE(out.getSize(), 240U);  // what the first room holds in whole pieces
-    return struck;
-  });
 }
 
 TEST(Hex, RendersTheStringItself) {

@@ -3,7 +3,6 @@
 
 #include <filesystem>
 
-#include "tests/support/Allocations.h"
 #include "tests/support/Bytes.h"
 #include "tests/support/SystemCalls.h"
 #include "tests/support/TempFolder.h"
@@ -149,19 +148,6 @@ TEST(PartialFile, RefusesWhatIsNoFile) {
     }
 }
 
-TEST(PartialFile, ReportsADestroyedBufferOnce) {
-  alignas(DataBuffer) unsigned char place[sizeof(DataBuffer)];
-  auto* dead = new (place) DataBuffer;
-  dead->~DataBuffer();
-  DataBuffer header;
-  LogNull log;
-  for (const Loader load : kLoaders) {
-    const u32 before = Psdk::numReports();
-    EXPECT_FALSE(load(*dead, header, "/dev/null", log));
-    EXPECT_EQ(Psdk::numReports(), before + 1);
-  }
-}
-
 TEST(PartialFile, KeepsWhatAFailedReadOfTheBodyGave) {
   const TempFolder folder;
   const std::string path = writeFile(folder / "f", kSample);
@@ -204,24 +190,6 @@ TEST(PartialFile, SurvivesEachFailure) {
       }
   EXPECT_GE(struck, 60u);
 
-  for (const Loader load : kLoaders) {
-    const u32 refusals = faults::failEachAllocation([&](u32 k, bool forGood) {
-      const s64 held = faults::liveBlocks();
-      bool wasStruck = false;
-      {
-        DataBuffer b, header;
-        LogNull log;
-        const faults::FailAllocation fault(k, forGood);
-        if (!load(b, header, path.c_str(), log)) {
-          EXPECT_EQ(b.getData2(), nullptr);
-        }
-        wasStruck = fault.struck();
-      }
-      EXPECT_EQ(faults::liveBlocks(), held);
-      return wasStruck;
-    });
-    EXPECT_GE(refusals, 4u);
-  }
   EXPECT_EQ(faults::openDescriptors(), before);
 }
 

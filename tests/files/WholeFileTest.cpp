@@ -136,23 +136,6 @@ TEST(WholeFile, AsksForPermissionBeforeAllElse) {
   EXPECT_TRUE(load(b, path));
 }
 
-TEST(WholeFile, ReportsADestroyedBufferOnce) {
-  const TempFolder folder;
-  const std::string path = writeFile(folder / "f", "x");
-  alignas(DataBuffer) unsigned char place[sizeof(DataBuffer)];
-  auto* dead = new (place) DataBuffer;
-  dead->~DataBuffer();
-  XString name;
-  name.setFromUtf8(path.c_str());
-  LogText log;
-  const u32 before = Psdk::numReports();
-  EXPECT_FALSE(load(*dead, path));
-  EXPECT_FALSE(dead->loadFileX(name, log));
-  EXPECT_FALSE(dead->db_saveToFileUtf8((folder / "g").c_str(), nullptr));
-  EXPECT_EQ(Psdk::numReports(), before + 3);
-  EXPECT_EQ(folder.entries(), 1u);
-}
-
 TEST(WholeFile, KeepsWhatAFailedReadGave) {
   const TempFolder folder;
   const std::string path = writeFile(folder / "f", "0123456789");
@@ -245,19 +228,6 @@ TEST(WholeFile, SurvivesEachFailure) {
       }
   EXPECT_GE(struck, 30u);
 
-  const u32 refusals = faults::failEachAllocation([&](u32 k, bool forGood) {
-    DataBuffer b = bufferOf("old content");
-    const s64 held = faults::liveBlocks() - 1;
-    const faults::FailAllocation fault(k, forGood);
-    const bool done = load(b, path);
-    EXPECT_EQ(done, textOf(b) == "0123456789");
-    if (!done) {
-      EXPECT_EQ(b.getData2(), nullptr);
-    }
-    EXPECT_EQ(faults::liveBlocks() - (b.getData2() ? 1 : 0), held);
-    return fault.struck();
-  });
-  EXPECT_GE(refusals, 2u);
   EXPECT_EQ(faults::openDescriptors(), before);
 }
 

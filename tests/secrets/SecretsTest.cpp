@@ -219,33 +219,6 @@ TEST(SecretString, HandsOutWhatItHolds) {
   EXPECT_TRUE(holder.isEmpty());
 }
 
-// Refusing memory anywhere: false and nothing handed out, or the secret whole.
-TEST(SecretString, SurvivesEachRefusedAllocation) {
-  const u32 refusals = faults::failEachAllocation([](u32 k, bool forGood) {
-    const s64 held = faults::liveBlocks();
-    bool struck = false;
-    {
-      SecretString holder;
-      DataBuffer key, data;
-      StringBuffer text;
-      XString unicode;
-      LogNull log;
-      const faults::FailAllocation fault(k, forGood);
-      const bool isSet = holder.setSecString(key, "secret", log);
-      const bool one = holder.getSecString(key, text, log), two = holder.getSecStringX(key, unicode, log);
-      const bool three = holder.getSecData(key, data, log);
-      struck = fault.struck();
-      const std::string_view expected = isSet ? "secret" : "";
-      EXPECT_TRUE(!one ? text.isEmpty() : text.getString() == expected);
-      EXPECT_TRUE(!two ? unicode.isEmpty() : unicode.getUtf8() == expected);
-      EXPECT_TRUE(!three ? data.empty() : textOf(data) == expected);
-    }
-    EXPECT_EQ(faults::liveBlocks(), held);
-    return struck;
-  });
-  EXPECT_GE(refusals, 10u);
-}
-
 TEST(Companions, StartEmpty) {
   auto* shared = new RefCountedDataBuffer;
   EXPECT_TRUE(shared->buffer.empty() && shared->buffer.checkValidityDb());

@@ -18,25 +18,6 @@ namespace {
 using faults::Call;
 using faults::Fault;
 
-// ---- Allocations of libcrypto that fail on demand ----
-
-thread_local u32 libraryCountdown = 0;  // as in tests/support/Allocations.cpp
-
-bool libraryRefuses() {
-  return libraryCountdown != 0 && --libraryCountdown == 0;
-}
-void* libraryMalloc(std::size_t n, const char*, int) {
-  return libraryRefuses() ? nullptr : std::malloc(n);
-}
-void* libraryRealloc(void* block, std::size_t n, const char*, int) {
-  return libraryRefuses() ? nullptr : std::realloc(block, n);
-}
-void libraryFree(void* block, const char*, int) {
-  std::free(block);
-}
-// Libcrypto takes them only before its first allocation.
-[[maybe_unused]] const int isReplaced = CRYPTO_set_mem_functions(libraryMalloc, libraryRealloc, libraryFree);
-
 // ---- Random bytes ----
 
 TEST(RandomSource, AppendsByTheGrowthRule) {
@@ -256,47 +237,6 @@ TEST(SymmetricCrypt, UsesABlockAgain) {
     EXPECT_EQ(textOf(out), isChanged ? "" : "plain");
     ASSERT_EQ(out.getData2(), block);
     for (u32 i = out.size(); i < out.getBufSize(); ++i) ASSERT_EQ(block[i], 0) << i;
-  }
-}
-
-// Every allocation fails in turn, our own and libcrypto's: false and nothing in `out`, or the right answer.
-TEST(SymmetricCrypt, SurvivesEachFailure) {
-  for (const u32 keySize : {32u, 33u}) {
-    DataBuffer key = bufferOf(randomBytes(keySize));
-    const std::string cipher = textOf(encrypted("plain text", key));
-    // Whether both directions worked; `ours` and `library` are the allocations to refuse, 0 none.
-    const auto runBoth = [&](u32 ours, bool forGood, u32 library, bool& struck) {
-      DataBuffer out, back;
-      out.copyData("old", 3);  // too small to be used again
-      back.copyData("old", 3);
-      LogNull log;
-      const s64 held = faults::liveBlocks();
-      bool done = false, doneBack = false;
-      {
-        const faults::FailAllocation refused(ours, forGood);
-        libraryCountdown = library;
-        done = SymmetricCrypt::encryptBytes(256, nullptr, key, bytesOf("plain text"), 10, out, log);
-        doneBack = SymmetricCrypt::decryptBytes(256, nullptr, key, bytesOf(cipher), countOf(cipher), back, log);
-        libraryCountdown = 0;
-        struck = refused.struck();
-      }
-      EXPECT_EQ(faults::liveBlocks(), held);
-      EXPECT_EQ(out.size(), done ? 38u : 0u);
-      EXPECT_EQ(textOf(back), doneBack ? "plain text" : "");
-      if (done) {
-        EXPECT_EQ(decrypted(textOf(out), key), "plain text");
-      }
-      return done && doneBack;
-    };
-    bool struck = false;
-    const u32 refusals = faults::failEachAllocation([&](u32 k, bool forGood) {
-      runBoth(k, forGood, 0, struck);
-      return struck;
-    });
-    EXPECT_GE(refusals, 2u);
-    u32 failures = 0;
-    for (u32 k = 1; k <= 100; ++k) failures += runBoth(0, false, k, struck) ? 0 : 1;
-    EXPECT_GE(failures, 4u);
   }
 }
 

@@ -4,7 +4,6 @@
 #include <thread>
 
 #include "tests/services/CharsetSupport.h"
-#include "tests/support/Allocations.h"
 
 namespace {
 
@@ -208,28 +207,6 @@ TEST(Convert, ServesATextInTheTargetItself) {
       LogNull log;
       EXPECT_TRUE(_vkEncodingConvert().EncConvert(from, to, out.getData2() + 6, out.getSize() - 6, out, log));
       EXPECT_EQ(textOf(out), text + convert(from, to, text.substr(6)).text);
-    }
-}
-
-TEST(Convert, KeepsWhatIsDoneWhereMemoryRunsOut) {
-  for (const s32 from : {65001, 1200, 1252, 932, 50220})
-    for (const s32 to : {65001, 1201, 1252, 932}) {
-      const std::string source = convert(65001, from, repeated("some text, ", 9000)).text;
-      const std::string want = "head" + convert(from, to, source).text;
-      const u32 refusals = faults::failEachAllocation([&](u32 k, bool forGood) {
-        DataBuffer out = bufferOf("head");
-        LogNull log;
-        bool good, struck;
-        {
-          const faults::FailAllocation refuse(k, forGood);
-          good = _vkEncodingConvert().EncConvert(from, to, bytesOf(source), countOf(source), out, log);
-          struck = refuse.struck();
-        }
-        EXPECT_TRUE(good ? textOf(out) == want : want.starts_with(textOf(out)));
-        EXPECT_TRUE(good || struck);
-        return struck;
-      });
-      EXPECT_GT(refusals, 0u) << from << " to " << to;
     }
 }
 

@@ -110,16 +110,4 @@ TEST(CombiningMarks, FormsComposeEveryPair) {
   }
 }
 
-TEST(CombiningMarks, FormsAgreeOnRandomText) {
-  GuardedBytes wide(kMost), plain(kMost);
-  for (u32 n = 0; n <= kMost; ++n)
-    for (const std::string_view alphabet : {"aY\xCC\x88", "aeiocny.....\xCC\xCC\x81\xA6\x83", "ab\xCC"}) {
-      const std::string given = Random(n).text(n, alphabet);
-      u8 *const left = wide.ending(given), *const right = plain.ending(given);
-      const u32 size = vk_simd::composeMarks(left, n);
-      ASSERT_EQ(size, vk_simd::composeMarksScalar(right, n)) << n;
-      ASSERT_EQ(std::memcmp(left, right, size), 0) << n;
-    }
-}
-
 }  // namespace

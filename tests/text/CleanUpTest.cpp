@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "tests/support/Allocations.h"
 #include "tests/support/Bytes.h"
 #include "tests/support/GuardedBytes.h"
 #include "tests/support/Random.h"
@@ -164,51 +163,6 @@ TEST(CleanUp, AppendsWhatIsNotZero) {
   EXPECT_EQ(textOf(self), mixed + "bc") << "its own content, which moved";
 
   EXPECT_FALSE(full.appendSkipNulls(bytesOf(mixed), 0xFFFFFFFF)) << "the sum does not fit";
-  const u32 refusals = faults::failEachAllocation([&](u32 k, bool forGood) {
-    DataBuffer kept;
-    kept.copyData("x", 1);
-    const faults::FailAllocation fail(k, forGood);
-    const bool done = kept.appendSkipNulls(bytesOf(mixed), countOf(mixed));
-    EXPECT_EQ(done, !fail.struck() || !forGood) << "growth tries twice";
-    EXPECT_TRUE(done ? kept.equals2("xabc", 4) : kept.equals2("x", 1));
-    return fail.struck();
-  });
-  EXPECT_EQ(refusals, 2U);
-}
-
-// Each guarded operation reports once on a destroyed object and touches nothing; the others do not look.
-TEST(CleanUp, IsGuardedWhereItSaysSo) {
-  alignas(DataBuffer) unsigned char place[sizeof(DataBuffer)];
-  DataBuffer* dead = new (place) DataBuffer;
-  dead->~DataBuffer();
-  const auto reports = [dead](auto operation) {
-    const u32 before = Psdk::numReports();
-    operation(*dead);
-    return Psdk::numReports() - before;
-  };
-  EXPECT_EQ(reports([](DataBuffer& b) { b.processRawPopMime(); }), 1U);
-  EXPECT_EQ(reports([](DataBuffer& b) { b.stripTerminalColorCodes(); }), 1U);
-  EXPECT_EQ(reports([](DataBuffer& b) { EXPECT_FALSE(b.containsBareCRLF()); }), 1U);
-  EXPECT_EQ(reports([](DataBuffer& b) { EXPECT_FALSE(b.hasLineLonger(0)); }), 1U);
-  EXPECT_EQ(reports([](DataBuffer& b) { EXPECT_EQ(b.findByte(1), nullptr); }), 1U);
-  EXPECT_EQ(reports([](DataBuffer& b) { EXPECT_FALSE(b.containsChar('a')); }), 1U);
-  EXPECT_EQ(reports([](DataBuffer& b) { b.replaceChar('a', 'b'); }), 1U);
-  EXPECT_EQ(reports([](DataBuffer& b) { b.drop_non_usascii(); }), 1U);
-  EXPECT_EQ(reports([](DataBuffer& b) { EXPECT_FALSE(b.appendSkipNulls(bytesOf("a"), 1)); }), 1U);
-  EXPECT_EQ(reports([](DataBuffer& b) { EXPECT_FALSE(b.appendSkipNulls(nullptr, 0)); }), 1U);
-  EXPECT_EQ(reports([](DataBuffer& b) { b.dropNullBytes(); }), 1U);
-  EXPECT_EQ(reports([](DataBuffer& b) { EXPECT_FALSE(b.altBytesNull()); }), 1U);
-  EXPECT_EQ(reports([](DataBuffer& b) { b.consumeUtf8CombiningMarks(); }), 1U);
-  EXPECT_EQ(reports([](DataBuffer& b) {
-              b.removeByteValue('a');
-              b.reverseBytes();
-              b.removeCharOccurancesW('a');
-              b.replaceCharW('a', 'b');
-              EXPECT_FALSE(b.chopAtFirstCharW('a') || b.chopAtLastCharW('a'));
-              b.toUppercaseW();
-              b.toLowercaseW();
-            }),
-            0U);
 }
 
 }  // namespace

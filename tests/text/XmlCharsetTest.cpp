@@ -96,22 +96,6 @@ TEST(XmlCharset, FailsOnlyWithoutStorageOrMemory) {
   DataBuffer none;
   EXPECT_FALSE(none.convertXmlToUtf8(log));
   EXPECT_EQ(none.getData2(), nullptr);
-
-  const std::string text = convert(65001, 28591, document("encoding='latin1'")).text;
-  faults::failEachAllocation([&](u32 k, bool forGood) {
-    DataBuffer b;
-    b.ensureBuffer(countOf(text));
-    b.append(text.data(), countOf(text));
-    bool good, struck;
-    {
-      const faults::FailAllocation refuse(k, forGood);
-      good = b.convertXmlToUtf8(log);
-      struck = refuse.struck();
-    }
-    EXPECT_TRUE(good || textOf(b) == text);
-    EXPECT_TRUE(struck || textOf(b) == document("encoding='latin1'"));
-    return struck;
-  });
 }
 
 TEST(XmlCharset, WorksOnBorrowedStorage) {
