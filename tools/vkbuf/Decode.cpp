@@ -27,13 +27,13 @@ bool isIn(std::string_view alphabet, u8 c) {
 }
 
 // Puts white space, which all these decoders skip, in the place of what is no text of the encoding. The letters of a
-// reference would be taken for data.
-void blankGarbage(std::string_view alphabet, u8* text, u32 n) {
+// reference would be taken for data; one that begins in the `n` characters may end in the `all` that are in view.
+void blankGarbage(std::string_view alphabet, u8* text, u32 n, u32 all) {
   std::array<bool, 256> known{};
   for (int c = 0; c < 256; ++c)
     known[static_cast<u8>(c)] = isIn(alphabet, static_cast<u8>(c)) || isWhiteSpace(static_cast<u8>(c));
   for (u32 i = 0; i < n; ++i) {
-    if (text[i] == '&' && isReturnReference(text + i, n - i)) std::memset(text + i, '\t', 5);
+    if (text[i] == '&' && isReturnReference(text + i, all - i)) std::memset(text + i, '\t', 5);
     if (!known[text[i]]) text[i] = '\t';
   }
 }
@@ -49,12 +49,15 @@ class Decoding {
   void finish() { output_.finish(); }
 
  private:
-  void blank(u8* text, u32 n) const {
-    if (options_.ignoreGarbage) blankGarbage(alphabet_, text, n);
+  void blank(u8* text, u32 n, u32 all) const {
+    if (options_.ignoreGarbage) blankGarbage(alphabet_, text, n, all);
   }
   void skipToBegin(Window& window);
   void openFrame(Window& window);
+  void skip(Window& window, u32 n);
+  static u32 whiteSpaceAtHead(Window& window);
   u32 inSight(Window& window);
+  void refuseFrame(const u8* text, u32 n);
   void piece(u8* text, u32 n, bool ends);
   DecodeResult decode(u8* text, u32 n);
   DecodeResult decodeUrl(u8* text, u32 n);
@@ -76,7 +79,7 @@ class Decoding {
 void Decoding::whole(DataBuffer& text) {
   if (!text.appendChar(0)) options_.job.fail("out of memory");  // decoders may look for the end
   text.shorten(1);
-  blank(text.getData2(), text.size());
+  blank(text.getData2(), text.size(), text.size());
   piece(text.getData2(), text.size(), true);
 }
 
@@ -94,39 +97,62 @@ void Decoding::stream(Window& window, FindCut& findCut) {
     window.advance(rest);
     return nothingMore(window);
   }
-  blank(window.data(), window.size());
-  if (framed_ && !std::memchr(window.data(), '~', window.size())) refuse(window.data(), window.size(), window.size());
+  blank(window.data(), window.size(), window.size());
+  const bool open = framed_ && !std::memchr(window.data(), '~', window.size());
   piece(window.data(), window.size(), true);
+  if (!open) return;
+  if (options_.partial) output_.finish();
+  refuse(nullptr, 0, 0);
 }
 
 // What may be decoded without what follows: a reference must be seen whole to be told from garbage.
 u32 Decoding::inSight(Window& window) {
   constexpr u32 kReference = 5;
   const u32 n = options_.ignoreGarbage && !window.isLast() ? window.size() - kReference : window.size();
-  blank(window.data(), n);
+  blank(window.data(), n, window.size());
   return n;
 }
 
 // What a mail says before the data is passed over.
 void Decoding::skipToBegin(Window& window) {
-  for (bool found = false; !window.isLast();) {
+  while (const u32 n = whiteSpaceAtHead(window)) skip(window, n);
+  for (bool found = false; !found;) {
     const u32 begin = findUuBegin(window.data(), window.size(), found);
-    place_.pass(window.data(), begin);
-    if (begin != 0 || !found) window.advance(begin);
-    if (found) return;
+    if (!found && window.isLast()) options_.job.refuse("no line 'begin MODE NAME' tells where the data begins");
+    if (begin != 0)
+      skip(window, begin);
+    else if (!found)
+      window.advance(0);
   }
 }
 
-void Decoding::openFrame(Window& window) {
+void Decoding::skip(Window& window, u32 n) {
+  if (n == 0) return;
+  place_.pass(window.data(), n);
+  window.advance(n);
+}
+
+u32 Decoding::whiteSpaceAtHead(Window& window) {
   u32 at = 0;
   while (at < window.size() && isWhiteSpace(window.data()[at])) ++at;
+  return at;
+}
+
+void Decoding::openFrame(Window& window) {
+  const u32 at = whiteSpaceAtHead(window);
   framed_ = !window.isLast() && window.size() - at >= 2 && std::memcmp(window.data() + at, "<~", 2) == 0;
-  if (!framed_) return;
-  place_.pass(window.data(), at + 2);
-  window.advance(at + 2);
+  if (framed_) skip(window, at + 2);
+}
+
+// The decoder would take a frame that opens at the head of a later piece for the beginning of a text.
+void Decoding::refuseFrame(const u8* text, u32 n) {
+  u32 at = 0;
+  while (at < n && isWhiteSpace(text[at])) ++at;
+  if (n - at >= 2 && std::memcmp(text + at, "<~", 2) == 0) refuse(text, n, at);
 }
 
 void Decoding::piece(u8* text, u32 n, bool ends) {
+  if (id_ == kAscii85 && (begun_ || framed_)) refuseFrame(text, n);
   const DecodeResult result = id_ == kUu ? decodeLines(text, n, ends) : decode(text, n);
   const bool bad = !result.ok || result.badAt != kNoFault;
   if (!bad || options_.partial) output_.write(bytes_.getData2(), bytes_.size());
@@ -176,7 +202,7 @@ DecodeResult Decoding::decodeLines(const u8* text, u32 n, bool ends) {
 // Behind the end of the data only white space may stand; what follows the last line of uuencoded text is no matter.
 void Decoding::nothingMore(Window& window) {
   for (padded_ = true;; window.advance(window.size())) {
-    blank(window.data(), window.size());
+    blank(window.data(), window.size(), window.size());
     for (u32 i = 0; i < window.size() && id_ != kUu; ++i)
       if (!isWhiteSpace(window.data()[i])) refuse(window.data(), window.size(), i);
     place_.pass(window.data(), window.size());

@@ -97,6 +97,17 @@ TextCut cutUu(const u8* text, u32 n) {
   return {start, false};
 }
 
+// `begin`, blanks, an octal mode, and whatever name.
+bool isUuBegin(const u8* line, const u8* end) {
+  constexpr u32 kWord = 5;
+  if (end - line <= kWord || std::memcmp(line, "begin", kWord) != 0 || line[kWord] != ' ') return false;
+  const u8* at = line + kWord;
+  while (at != end && *at == ' ') ++at;
+  const u8* const mode = at;
+  while (at != end && *at >= '0' && *at <= '7') ++at;
+  return at != mode && (at == end || *at == ' ' || *at == '\r');
+}
+
 }  // namespace
 
 bool isReturnReference(const u8* text, u32 n) {
@@ -134,10 +145,9 @@ FindCut* cutsOf(s32 id) {
 u32 findUuBegin(const u8* text, u32 n, bool& found) {
   u32 start = 0;
   for (;;) {
-    const u8* const end = findChar(text + start, n - start, '\n');
-    found = end && n - start > 7 && std::memcmp(text + start, "begin ", 6) == 0 && text[start + 6] >= '0' &&
-            text[start + 6] <= '7';
-    if (found || !end) return start;
-    start = static_cast<u32>(end + 1 - text);
+    const u8* const feed = findChar(text + start, n - start, '\n');
+    found = isUuBegin(text + start, feed ? feed : text + n);
+    if (found || !feed) return start;
+    start = static_cast<u32>(feed + 1 - text);
   }
 }
