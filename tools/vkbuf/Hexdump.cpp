@@ -6,6 +6,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/vkbuf/Commands.h"
@@ -163,15 +164,18 @@ void dumpPlain(Window& window, u64 width, Output& output) {
   Digits digits;
   for (u64 column = 0;;) {
     lines.clear();
-    for (u32 at = 0; at < window.size();) {
-      const u64 room = width == 0 ? Digits::kPart : std::min<u64>((width - column) / 2, Digits::kPart);
-      const u32 n = static_cast<u32>(std::min<u64>(room, window.size() - at));
-      lines.append(digits.of(window.data() + at, n), 2 * n);
-      at += n;
-      column += 2 * n;
-      if (width == 0 || column < width) continue;
-      lines += '\n';
-      column = 0;
+    for (u32 at = 0; at < window.size(); at += Digits::kPart) {
+      const u32 part = std::min(Digits::kPart, window.size() - at);
+      std::string_view text(digits.of(window.data() + at, part), 2 * part);
+      while (!text.empty()) {
+        const size_t n = width == 0 ? text.size() : std::min<size_t>(width - column, text.size());
+        lines.append(text.substr(0, n));
+        text.remove_prefix(n);
+        column += n;
+        if (column != width) continue;
+        lines += '\n';
+        column = 0;
+      }
     }
     if (window.isLast() && column != 0) lines += '\n';
     output.write(lines.data(), lines.size());
