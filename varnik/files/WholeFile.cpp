@@ -12,7 +12,8 @@ constexpr u32 kSpare = 32;
 
 // The length of an open file, if a buffer can hold so much; a failure is logged.
 bool loadableLength(FileHandle& file, u32& length, LogBase& log) {
-  const s64 longLength = file.getFileSize64(log);
+  s64 longLength = file.sizeWhenOpened();
+  if (longLength < 0) longLength = file.getFileSize64(log);  // logs the reason
   if (longLength < 0) {
     log.LogError_lcr("the length of the file is not to be had");
     return false;

@@ -14,6 +14,9 @@ class VARNIK_API FileHandle {
 
   /// Returns the length in bytes; negative when the file is not open, is no regular file, or does not tell.
   s64 getFileSize64(LogBase& log);
+  /// Returns the length in bytes that a regular file had when it was opened, without a call of the system; negative for
+  /// anything else.
+  s64 sizeWhenOpened() const { return sizeWhenOpened_; }
   /// Returns the length in bytes; 0xFFFFFFFF on failure and for a length that does not fit below it.
   u32 getFileSize32(LogBase& log);
   /// Reads up to `n` bytes from where the last read ended to `to`, until they are all there, the file ends, or an error
@@ -26,4 +29,5 @@ class VARNIK_API FileHandle {
  private:
   friend class _vkFileSys;
   int descriptor_ = -1;
+  s64 sizeWhenOpened_ = -1;
 };

@@ -30,19 +30,17 @@ int openExisting(const char* path) {
   return vk_files::repeatInterrupted([&] { return ::open(path, kFlags); });
 }
 
-bool isFolder(int descriptor) {
-  struct stat facts;
-  return vk_files::repeatInterrupted([&] { return ::fstat(descriptor, &facts); }) == 0 && S_ISDIR(facts.st_mode);
-}
-
-// Opens a file that can be read; 0, or what stands in the way.
-int openForRead(XString& path, int& descriptor) {
+// Opens a file that can be read; 0, or what stands in the way. Sets the size of a regular file.
+int openForRead(XString& path, int& descriptor, s64& size) {
   if (path.isEmpty()) return ENOENT;
   const char* name = path.getUtf8();
   if (vk_strlen(name) != path.getUtf8Sb_rw().getSize()) return EINVAL;
   descriptor = openExisting(name);
   if (descriptor < 0) return errno;
-  if (!isFolder(descriptor)) return 0;
+  struct stat facts;
+  if (vk_files::repeatInterrupted([&] { return ::fstat(descriptor, &facts); }) != 0) return 0;
+  if (S_ISREG(facts.st_mode)) size = facts.st_size;
+  if (!S_ISDIR(facts.st_mode)) return 0;
   ::close(descriptor);
   descriptor = -1;
   return EISDIR;
@@ -66,7 +64,8 @@ void _vkFileSys::setPermissions(bool mayRead, bool mayWrite) {
 bool _vkFileSys::openFileForRead(FileHandle& handle, XString& path, bool forUpdate, int& errorCode, LogBase& log) {
   if (handle.descriptor_ >= 0) ::close(handle.descriptor_);
   handle.descriptor_ = -1;
-  errorCode = forUpdate ? EINVAL : openForRead(path, handle.descriptor_);
+  handle.sizeWhenOpened_ = -1;
+  errorCode = forUpdate ? EINVAL : openForRead(path, handle.descriptor_, handle.sizeWhenOpened_);
   if (errorCode == 0) return true;
   log.LogDataX("path", path);
   vk_files::logReason(log, errorCode);
