@@ -25,7 +25,7 @@ is_there() {
     libgtest-dev) has_header gtest/gtest.h ;;
     libbenchmark-dev) has_header benchmark/benchmark.h ;;
     libfmt-dev) has_header fmt/core.h ;;
-    *) dpkg -s "$1" ;;
+    *) dpkg-query -W -f '${Status}' "$1" | grep -q "ok installed" ;;
   esac >/dev/null 2>&1
 }
 has_header() { printf '#include <%s>\n' "$1" | "$(command -v c++ || command -v g++)" -x c++ -std=c++20 -E - >/dev/null 2>&1; }

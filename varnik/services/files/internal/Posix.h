@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <cstddef>
 
+#include "varnik/services/memory/Api.h"
+
 class LogBase;
 
 namespace vk_files {
@@ -37,14 +39,14 @@ class Descriptor {
     return number >= 0;
   }
   /// Closes it. False when the system reports an error of the writes before; errno tells which.
-  bool close();
+  VARNIK_API bool close();
 
  private:
   int number_ = -1;
 };
 
 /// Writes all `n` bytes. False on an error; errno tells which.
-bool writeWhole(int descriptor, const void* data, std::size_t n);
+VARNIK_API bool writeWhole(int descriptor, const void* data, std::size_t n);
 
 /// Records the system's words for an error number under "reason".
 void logReason(LogBase& log, int error);
