@@ -327,6 +327,11 @@ TEST(Storage, RefusesADestroyedObject) {
       {"dropNullBytes", [&] { return b->dropNullBytes(), false; }},
       {"altBytesNull", [&] { return b->altBytesNull(); }},
       {"consumeUtf8CombiningMarks", [&] { return b->consumeUtf8CombiningMarks(), false; }},
+      {"is7bit", [&] { return b->is7bit(0); }},
+      {"detectObviousCodePage", [&] { return b->detectObviousCodePage() != -1; }},
+      {"appendNullTerminatedUtf16_xe", [&] { return b->appendNullTerminatedUtf16_xe(nullptr); }},
+      {"appendNullTerminatedUtf32_xe", [&] { return b->appendNullTerminatedUtf32_xe(nullptr); }},
+      {"appendEncoded", [&] { return b->appendEncoded("414243", "hex"); }},
       {"toHexString", [&] { return b->toHexString(out), !out.isEmpty(); }},
       {"toHexLines", [&] { return b->toHexLines(out, 16), !out.isEmpty(); }},
       {"padForEncryption", [&] { return b->padForEncryption(0, 16, log) != 0; }},
@@ -359,6 +364,26 @@ TEST(Storage, RefusesADestroyedObject) {
   EXPECT_EQ(Psdk::numReports(), reports);
   b->DataBuffer::~DataBuffer();
   EXPECT_EQ(Psdk::numReports(), reports + 1);
+}
+
+// A caller may adopt a size without a block: nothing is read there, and nothing comes out.
+TEST(Storage, ReadsNothingWhereASizeHasNoBlock) {
+  StringBuffer text;
+  DataBuffer out;
+  LogNull log;
+  const std::function<bool(DataBuffer&)> kCalls[] = {
+      [](DataBuffer& b) { return b.lastByte() != 0 || b.firstByte() != 0 || b.byteAt(1) != 0; },
+      [&](DataBuffer& b) { return out.appendRange(b, 0, 2), out.appendRange2(b, 0, 2), !out.empty(); },
+      [](DataBuffer& b) { return b.applyMask("x", 1), b.replaceChar('a', 'b'), b.drop_non_usascii(), false; },
+      [](DataBuffer& b) { return b.dropNullBytes(), b.processRawPopMime(), b.detectObviousCodePage() != -1; },
+      [&](DataBuffer& b) { return b.cvUnicodeToUtf8(text), b.cvUnicodeToUtf8_db(out), b.toHexLines(text, 4), false; }};
+  for (const auto& call : kCalls) {
+    DataBuffer b;
+    b.takeData2(nullptr, 5, 5);
+    EXPECT_FALSE(call(b)) << &call - kCalls;
+    b.dropData();
+  }
+  EXPECT_TRUE(text.isEmpty() && out.empty());
 }
 
 }  // namespace

@@ -359,6 +359,18 @@ TEST(RoundTrip, FindsTheWayThroughWhiteSpace) {
     }
 }
 
+// Long inputs go piece by piece: what ends a line, or may, stands across the border.
+TEST(RoundTrip, CrossesTheBordersOfPieces) {
+  const auto check = [](const std::string& bytes) {
+    StringBuffer text;
+    DataBuffer back;
+    EXPECT_TRUE(bufferOf(bytes).encodeDB("qp-2147483646", text));
+    EXPECT_EQ(std::string_view(text.getString(), text.getSize()).find("=0D=0A"), std::string_view::npos);
+    EXPECT_TRUE(back.appendEncoded(text.getString(), "qp") && textOf(back) == bytes);
+  };
+  for (u32 before = 0; before < 4; ++before) check(std::string((1 << 24) - before, 'x') + " \r\ny");
+}
+
 TEST(Lines, EndAsTheirNameSays) {
   for (const u32 n : {0U, 1U, 56U, 57U, 58U, 114U, 500U}) {
     const std::string plain = randomBytes(n);

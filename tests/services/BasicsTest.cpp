@@ -38,7 +38,8 @@ TEST(Text, Helpers) {
   const char* text = "an encoding";
   EXPECT_EQ(vk_strstr(text, "enc"), text + 3);
   EXPECT_EQ(vk_strchr(text, 'c'), text + 5);
-  EXPECT_TRUE(!vk_strstr(text, "Enc") && !vk_strchr(text, 'z') && !vk_strstr(nullptr, "x") && !vk_strchr(nullptr, 'x'));
+  EXPECT_TRUE(!vk_strstr(text, "Enc") && !vk_strchr(text, 'z') && !vk_strstr(nullptr, "x") &&
+              !vk_strstr("x", nullptr) && !vk_strchr(nullptr, 'x'));
   for (const u32 value : {0u, 7u, 10u, 255u, 4294967295u}) {
     char area[10];
     EXPECT_EQ(std::string(area, vk_uintToDecimal(value, area)), std::to_string(value));

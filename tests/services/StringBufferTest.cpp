@@ -18,6 +18,7 @@ TEST(StringBuffer, StartsEmptyAndEndsInANul) {
   EXPECT_TRUE(s.append("ab") && s.append(StringBuffer("cd")) && s.append(bufferOf("e\0f"s)) &&
               s.appendN("\0"s.data(), 1) && s.appendChar('g') && s.appendCharN('h', 3));
   EXPECT_EQ(textOf(s), "abcde\0f\0ghhh"s);
+  EXPECT_EQ(s.lastChar(), 'h');
   EXPECT_EQ(s.getString()[s.getSize()], 0);
   EXPECT_TRUE(s.append(static_cast<const char*>(nullptr)) && s.appendN(nullptr, 3) && s.appendCharN('x', 0));
   EXPECT_EQ(s.getSize(), 12u);
@@ -159,6 +160,8 @@ TEST(XString, CopiesMovesAndWipes) {
   EXPECT_STREQ(c.getUtf8(), "text");
   b = c, c = std::move(b);
   EXPECT_STREQ(c.getUtf8(), "text");
+  const XString& itself = c;
+  c = itself, c = std::move(const_cast<XString&>(itself));
   c.setFromUtf8(c.getUtf8() + 2);
   EXPECT_STREQ(c.getUtf8(), "xt");
 

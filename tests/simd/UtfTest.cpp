@@ -1,5 +1,4 @@
-// Conversions between the Unicode forms: each form of a kernel against the scalar one, and the scalar one against a
-// reader that knows only the table of well-formed sequences.
+// Conversions between the Unicode forms: each form of a kernel against the scalar one.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -118,70 +117,6 @@ TEST(Utf, CountsOfLongTextsDoNotOverflowTheirLanes) {
                   vk_simd::utfLength(from, to, bytesOf(text), countOf(text)))
             << form.name;
   }
-}
-
-// What may follow what, as Unicode 15 has it in table 3-7, and nothing else.
-u32 wellFormed(const u8* p, u32 n) {
-  static constexpr u8 kRows[][4] = {{0xC2, 0xDF, 0x80, 0xBF}, {0xE0, 0xE0, 0xA0, 0xBF}, {0xE1, 0xEC, 0x80, 0xBF},
-                                    {0xED, 0xED, 0x80, 0x9F}, {0xEE, 0xEF, 0x80, 0xBF}, {0xF0, 0xF0, 0x90, 0xBF},
-                                    {0xF1, 0xF3, 0x80, 0xBF}, {0xF4, 0xF4, 0x80, 0x8F}};
-  if (p[0] < 0x80) return 1;
-  for (const auto& row : kRows) {
-    if (p[0] < row[0] || p[0] > row[1]) continue;
-    const u32 size = p[0] < 0xE0 ? 2 : p[0] < 0xF0 ? 3 : 4;
-    if (n < size || p[1] < row[2] || p[1] > row[3]) return 0;
-    for (u32 i = 2; i < size; ++i)
-      if ((p[i] & 0xC0) != 0x80) return 0;
-    return size;
-  }
-  return 0;
-}
-
-// The longest front of what could still become a character is one bad part.
-u32 badPart(const u8* p, u32 n) {
-  for (u32 size = 3; size > 1; --size) {
-    if (n < size) continue;
-    const u8 whole[4] = {p[0], p[1], size == 3 ? p[2] : u8{0x80}, 0x80};
-    if (wellFormed(whole, 4) > size) return size;
-  }
-  return 1;
-}
-
-// All sequences of three bytes, the interesting ones of four, 32 apart and at the end of a text.
-TEST(Utf, EveryShortSequenceIsReadAsTheStandardHasIt) {
-  static constexpr u8 kFourth[] = {0x7F, 0x80, 0xBF, 0xC2};
-  std::string text(2048 * 8, ' ');
-  const auto check = [&](u32 count) {
-    std::string want;
-    bool bad = false;
-    for (u32 i = 0; i < count;) {
-      const u8* const p = bytesOf(text) + i;
-      const u32 size = wellFormed(p, count - i);
-      want.append(size != 0 ? std::string_view(text).substr(i, size) : "\uFFFD");
-      bad |= size == 0;
-      i += size != 0 ? size : badPart(p, count - i);
-    }
-    const std::string_view given = std::string_view(text).substr(0, count);
-    const std::string units = inForm(Utf::k16Le, want);
-    for (const auto& form : VARNIK_FORMS(convertUtf)) {
-      ASSERT_TRUE(run(form.run, Utf::k8, Utf::k8, given, 1 << 17) == (Result{want, bad})) << form.name;
-      ASSERT_TRUE(run(form.run, Utf::k8, Utf::k16Le, given, 1 << 17) == (Result{units, bad})) << form.name;
-    }
-  };
-  for (u32 lead = 0x7F; lead < 0x100; ++lead)
-    for (const u8 fourth : kFourth) {
-      if (lead < 0xF0 && fourth != 0x80) continue;
-      for (u32 second = 0x70; second < 0x100; second += lead < 0xC0 ? 16 : 1) {
-        u32 count = 0;
-        for (u32 third = 0; third < 0x100; third += lead < 0xE0 ? 15 : 1) {
-          const char each[] = {static_cast<char>(lead), static_cast<char>(second), static_cast<char>(third),
-                               static_cast<char>(fourth), 'z'};
-          std::copy(each, each + 5, text.begin() + count);
-          count += 5;
-        }
-        check(count);
-      }
-    }
 }
 
 }  // namespace
