@@ -1,6 +1,7 @@
 #include "tools/vkbuf/CharsetChoice.h"
 
-#include <cstring>
+#include <algorithm>
+#include <vector>
 
 #include "tools/vkbuf/Nearest.h"
 #include "varnik/services/charset/CharsetNames.h"
@@ -21,14 +22,16 @@ constexpr KnownMark kMarks[] = {
     {{kUtf8, "UTF-8", 3}, {0xEF, 0xBB, 0xBF}},
 };
 
-// What is offered where a name was mistyped: the usual ones, of the many that are known.
-const std::vector<std::string> kUsual = {
-    "utf-8",        "utf-16",       "utf-16le",     "utf-16be",     "utf-32le",     "utf-32be",     "us-ascii",
-    "iso-8859-1",   "iso-8859-2",   "iso-8859-5",   "iso-8859-7",   "iso-8859-9",   "iso-8859-15",  "windows-1250",
-    "windows-1251", "windows-1252", "windows-1253", "windows-1254", "windows-1255", "windows-1256", "windows-1257",
-    "windows-1258", "koi8-r",       "koi8-u",       "macintosh",    "shift_jis",    "euc-jp",       "iso-2022-jp",
-    "gbk",          "gb18030",      "big5",         "euc-kr",       "ibm437",       "ibm850",       "latin1",
-};
+// Every spelling that is known, the canonical ones first.
+std::vector<std::string> charsetNames() {
+  std::vector<std::string> names;
+  for (u32 i = 0; i < CharsetNames::count(); ++i) names.emplace_back(CharsetNames::nameAt(i));
+  for (u32 i = 0; i < CharsetNames::countLabels(); ++i) {
+    std::string label = CharsetNames::labelAt(i);
+    if (std::find(names.begin(), names.end(), label) == names.end()) names.push_back(std::move(label));
+  }
+  return names;
+}
 
 const KnownMark* knownMark(s32 codePage) {
   for (const KnownMark& known : kMarks)
@@ -59,6 +62,7 @@ s32 codePageOf(const std::string& name) {
   StringBuffer label(name.c_str());
   const s32 codePage = CharsetNames::codePageForName(label, nullptr);
   if (codePage == 0)
-    throw Failure(kFailed, "no charset is called '" + name + "'; nearest: " + nearestNames(name, kUsual));
+    throw Failure(kFailed, "no charset is called '" + name + "'; nearest: " + nearestNames(name, charsetNames()),
+                  "vkbuf names charsets");
   return codePage;
 }
