@@ -96,7 +96,7 @@ extern "C" int LLVMFuzzerTestOneInput(const u8* data, std::size_t n) {
   check(given, std::string(given.rbegin(), given.rend()), [](DataBuffer& b) { b.reverseBytes(); });
   std::string ascii, even, replaced = given;
   for (std::size_t i = 0; i < given.size(); ++i) {
-    if (given[i] > 0) ascii += given[i];
+    if (given[i] != 0 && static_cast<u8>(given[i]) < 0x80) ascii += given[i];
     if (i % 2 == 0) even += given[i];
   }
   std::replace(replaced.begin(), replaced.end(), c, to);

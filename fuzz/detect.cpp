@@ -42,11 +42,11 @@ extern "C" int LLVMFuzzerTestOneInput(const u8* data, std::size_t n) {
   if (!given.empty()) b.borrowData(lent.data(), countOf(lent));
   CHECK(b.detectObviousCodePage() == obvious(given));
   const std::string_view head = std::string_view(given).substr(0, most ? most : given.size());
-  CHECK(b.is7bit(most) == std::all_of(head.begin(), head.end(), [](char c) { return c >= 0; }));
+  CHECK(b.is7bit(most) == std::all_of(head.begin(), head.end(), [](char c) { return static_cast<u8>(c) < 0x80; }));
   CHECK(b.numPartialTrailingUtf8Bytes() == partial(given));
   bool hasPair = false;
   for (std::size_t i = 1; i < given.size(); ++i)
-    hasPair |= (given[i - 1] == '\xC2' || given[i - 1] == '\xC3') && given[i] < 0;
+    hasPair |= (given[i - 1] == '\xC2' || given[i - 1] == '\xC3') && static_cast<u8>(given[i]) >= 0x80;
   LogNull log;
   DataBuffer out;
   const bool converts = _vkEncodingConvert().EncConvert(page, 65001, bytesOf(given), countOf(given), out, log);

@@ -49,6 +49,8 @@ namespace {
 u32 asciiRun(const u8* data, u32 n) {
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return asciiRunAvx2(data, n);
+#elif VARNIK_HAVE_NEON
+  return asciiRunNeon(data, n);
 #endif
   return asciiRunScalar(data, n);
 }

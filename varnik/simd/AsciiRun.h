@@ -11,6 +11,8 @@ u32 asciiRun(const u8* data, u32 n);
 u32 asciiRunScalar(const u8* data, u32 n);
 #if VARNIK_HAVE_AVX2
 u32 asciiRunAvx2(const u8* data, u32 n);
+#elif VARNIK_HAVE_NEON
+u32 asciiRunNeon(const u8* data, u32 n);
 #endif
 
 }  // namespace vk_simd

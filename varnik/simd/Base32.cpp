@@ -55,7 +55,7 @@ u32 base32DecodeScalar(const char* in, u32 n, u8* out) {
       any |= value;
       bits = bits << 5 | static_cast<u64>(value & 31);
     }
-    if (any < 0) break;
+    if (told(any < 0)) break;
     for (u32 k = 0; k < 5; ++k) out[k] = static_cast<u8>(bits >> (32 - 8 * k));
   }
   return i;
@@ -117,7 +117,7 @@ constexpr u32 kBlockBytes = 20, kBlockChars = 32;
 
 // A bit for each value of 32 or more.
 [[VARNIK_AVX2]] inline u32 faultsOf(__m256i values) {
-  return static_cast<u32>(_mm256_movemask_epi8(_mm256_adds_epu8(values, _mm256_set1_epi8(0x7F - 31))));
+  return told(static_cast<u32>(_mm256_movemask_epi8(_mm256_adds_epu8(values, _mm256_set1_epi8(0x7F - 31)))));
 }
 
 // Ten bytes at the front of each half: pairs of values are joined to 10 bits, then 20, then 40, and their bytes turned

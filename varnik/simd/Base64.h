@@ -40,6 +40,11 @@ void base64EncodeAvx2(const u8* in, u32 n, bool url, char* out);
 void base64EncodeLinesAvx2(const u8* in, u32 n, u32 lineBytes, const LineEnd& end, char* out);
 u32 base64DecodeAvx2(const char* in, u32 n, bool url, u8* out);
 u32 base64DecodeLinesAvx2(const char* in, u32 n, u32 lineChars, std::string_view end, u8* out);
+#elif VARNIK_HAVE_NEON
+void base64EncodeNeon(const u8* in, u32 n, bool url, char* out);
+void base64EncodeLinesNeon(const u8* in, u32 n, u32 lineBytes, const LineEnd& end, char* out);
+u32 base64DecodeNeon(const char* in, u32 n, bool url, u8* out);
+u32 base64DecodeLinesNeon(const char* in, u32 n, u32 lineChars, std::string_view end, u8* out);
 #endif
 #if VARNIK_HAVE_AVX512
 void base64EncodeAvx512(const u8* in, u32 n, bool url, char* out);

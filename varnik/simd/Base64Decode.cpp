@@ -39,7 +39,7 @@ u32 base64DecodeScalar(const char* in, u32 n, bool url, u8* out) {
   for (; n - i >= 4; i += 4, out += 3) {
     const s32 a = valueOf(in[i], url), b = valueOf(in[i + 1], url), c = valueOf(in[i + 2], url),
               d = valueOf(in[i + 3], url);
-    if ((a | b | c | d) < 0) break;
+    if (told((a | b | c | d) < 0)) break;
     const s32 bits = a << 18 | b << 12 | c << 6 | d;
     out[0] = static_cast<u8>(bits >> 16);
     out[1] = static_cast<u8>(bits >> 8);
@@ -144,11 +144,11 @@ template <bool url>
     store32(out + k * kBlockBytes, joined(v.values));
     faults = _mm256_or_si256(faults, v.faults);
   }
-  return _mm256_testz_si256(faults, faults) != 0;
+  return told(_mm256_testz_si256(faults, faults)) != 0;
 }
 
 [[VARNIK_AVX2]] inline u32 faultsOf(const Values& v) {
-  return ~static_cast<u32>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(v.faults, _mm256_setzero_si256())));
+  return told(~static_cast<u32>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(v.faults, _mm256_setzero_si256()))));
 }
 
 // Stores a block, and returns how many characters its whole groups are up to the first fault.
@@ -156,7 +156,7 @@ template <bool url>
 [[VARNIK_AVX2]] inline u32 decodeBlock(const char* in, u8* out) {
   const Values v = valuesOf<url>(load(in));
   store24(out, joined(v.values));
-  if (_mm256_testz_si256(v.faults, v.faults)) return kBlockChars;
+  if (told(_mm256_testz_si256(v.faults, v.faults))) return kBlockChars;
   return static_cast<u32>(__builtin_ctz(faultsOf(v))) & ~u32{3};
 }
 
@@ -221,7 +221,7 @@ template <bool url>
     store24(out + at / 4 * 3, joined(v.values));
     faults = _mm256_or_si256(faults, v.faults);
   }
-  return _mm256_testz_si256(faults, faults) != 0;
+  return told(_mm256_testz_si256(faults, faults)) != 0;
 }
 
 }  // namespace
@@ -251,6 +251,8 @@ u32 base64DecodeLines(const char* in, u32 n, u32 lineChars, std::string_view end
 #endif
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return base64DecodeLinesAvx2(in, n, lineChars, end, out);
+#elif VARNIK_HAVE_NEON
+  return base64DecodeLinesNeon(in, n, lineChars, end, out);
 #endif
   return base64DecodeLinesScalar(in, n, lineChars, end, out);
 }
@@ -261,6 +263,8 @@ u32 base64Decode(const char* in, u32 n, bool url, u8* out) {
 #endif
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return base64DecodeAvx2(in, n, url, out);
+#elif VARNIK_HAVE_NEON
+  return base64DecodeNeon(in, n, url, out);
 #endif
   return base64DecodeScalar(in, n, url, out);
 }

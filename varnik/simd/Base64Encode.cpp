@@ -189,6 +189,8 @@ void base64Encode(const u8* in, u32 n, bool url, char* out) {
 #endif
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return base64EncodeAvx2(in, n, url, out);
+#elif VARNIK_HAVE_NEON
+  return base64EncodeNeon(in, n, url, out);
 #endif
   base64EncodeScalar(in, n, url, out);
 }
@@ -199,6 +201,8 @@ void base64EncodeLines(const u8* in, u32 n, u32 lineBytes, const LineEnd& end, c
 #endif
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return base64EncodeLinesAvx2(in, n, lineBytes, end, out);
+#elif VARNIK_HAVE_NEON
+  return base64EncodeLinesNeon(in, n, lineBytes, end, out);
 #endif
   base64EncodeLinesScalar(in, n, lineBytes, end, out);
 }

@@ -1,9 +1,9 @@
 // What the processor offers, for the choice between the forms of a kernel.
 //
 // Every kernel has a scalar form, which is the truth, and an AVX2 form that agrees with it on every input; a few, which
-// it makes at least a third faster, have an AVX-512 form as well. The function without a suffix chooses. The
-// instruction set is named at the functions that use it, never in build flags, so that no inline code of theirs can
-// reach a processor without it.
+// it makes at least a third faster, have an AVX-512 form as well. Those that matter most have a NEON form: where there
+// is NEON, all processors have it. The function without a suffix chooses. The instruction set is named at the functions
+// that use it, never in build flags, so that no inline code of theirs can reach a processor without it.
 #pragma once
 
 #if defined(__x86_64__)
@@ -16,6 +16,12 @@
 #else
 #define VARNIK_HAVE_AVX2 0
 #define VARNIK_HAVE_AVX512 0
+#endif
+
+#if defined(__aarch64__) && defined(__AARCH64EL__)
+#define VARNIK_HAVE_NEON 1
+#else
+#define VARNIK_HAVE_NEON 0
 #endif
 
 namespace vk_simd {

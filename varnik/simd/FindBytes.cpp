@@ -192,6 +192,8 @@ namespace {
 u32 mismatch(const u8* a, const u8* b, u32 n) {
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return mismatchAvx2(a, b, n);
+#elif VARNIK_HAVE_NEON
+  return mismatchNeon(a, b, n);
 #endif
   return mismatchScalar(a, b, n);
 }
@@ -200,12 +202,14 @@ u32 findBytes(const u8* data, u32 n, const u8* pattern, u32 m) {
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return findBytesAvx2(data, n, pattern, m);
 #endif
-  return findBytesScalar(data, n, pattern, m);
+  return BytesFinder(data, n, pattern, m).next(0);
 }
 
 u32 BytesFinder::next(u32 from) {
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return nextAvx2(from);
+#elif VARNIK_HAVE_NEON
+  return nextNeon(from);
 #endif
   return nextScalar(from);
 }

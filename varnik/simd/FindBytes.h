@@ -24,6 +24,8 @@ class BytesFinder {
   u32 nextScalar(u32 from) const;
 #if VARNIK_HAVE_AVX2
   u32 nextAvx2(u32 from);
+#elif VARNIK_HAVE_NEON
+  u32 nextNeon(u32 from) const;
 #endif
 
  private:
@@ -59,6 +61,8 @@ u32 mismatch(const u8* a, const u8* b, u32 n);
 u32 mismatchScalar(const u8* a, const u8* b, u32 n);
 #if VARNIK_HAVE_AVX2
 u32 mismatchAvx2(const u8* a, const u8* b, u32 n);
+#elif VARNIK_HAVE_NEON
+u32 mismatchNeon(const u8* a, const u8* b, u32 n);
 #endif
 
 }  // namespace vk_simd

@@ -23,6 +23,9 @@ u32 hexDecodeScalar(const char* in, u32 n, u8* out);
 void hexEncodeAvx2(const u8* in, u32 n, bool lower, char* out);
 void hexEncodeColonsAvx2(const u8* in, u32 n, bool lower, char* out);
 u32 hexDecodeAvx2(const char* in, u32 n, u8* out);
+#elif VARNIK_HAVE_NEON
+void hexEncodeNeon(const u8* in, u32 n, bool lower, char* out);
+u32 hexDecodeNeon(const char* in, u32 n, u8* out);
 #endif
 #if VARNIK_HAVE_AVX512
 u32 hexDecodeAvx512(const char* in, u32 n, u8* out);

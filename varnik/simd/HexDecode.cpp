@@ -23,7 +23,7 @@ u32 hexDecodeScalar(const char* in, u32 n, u8* out) {
   u32 i = 0;
   for (; n - i >= 2; i += 2) {
     const s32 high = valueOf(in[i]), low = valueOf(in[i + 1]);
-    if ((high | low) < 0) break;
+    if (told((high | low) < 0)) break;
     *out++ = static_cast<u8>(high << 4 | low);
   }
   return i;
@@ -46,7 +46,7 @@ namespace {
 
 // A bit for each value of 16 or more.
 [[VARNIK_AVX2]] inline u32 faultsOf(__m256i values) {
-  return static_cast<u32>(_mm256_movemask_epi8(_mm256_adds_epu8(values, _mm256_set1_epi8(0x7F - 15))));
+  return told(static_cast<u32>(_mm256_movemask_epi8(_mm256_adds_epu8(values, _mm256_set1_epi8(0x7F - 15)))));
 }
 
 // Pairs become bytes, each in 16 bits.
@@ -143,6 +143,8 @@ u32 hexDecode(const char* in, u32 n, u8* out) {
 #endif
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return hexDecodeAvx2(in, n, out);
+#elif VARNIK_HAVE_NEON
+  return hexDecodeNeon(in, n, out);
 #endif
   return hexDecodeScalar(in, n, out);
 }

@@ -93,6 +93,8 @@ namespace {
 void hexEncode(const u8* in, u32 n, bool lower, char* out) {
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return hexEncodeAvx2(in, n, lower, out);
+#elif VARNIK_HAVE_NEON
+  return hexEncodeNeon(in, n, lower, out);
 #endif
   hexEncodeScalar(in, n, lower, out);
 }
