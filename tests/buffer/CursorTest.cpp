@@ -20,7 +20,9 @@ TEST(Cursor, ReadsBackWhatTheWritersWrote) {
   EXPECT_EQ(two, 0x1234);
   EXPECT_EQ(four, 0x89ABCDEF);
   EXPECT_EQ(eight, -2);
-  cursor = 6;
+  cursor = 0;
+  EXPECT_TRUE(b.parseUint16(cursor, true, two) && b.parseUint32(cursor, false, four));
+  EXPECT_TRUE(two == 0x3412 && four == 0xEFCDAB89);
   EXPECT_TRUE(b.parseInt64(cursor, true, eight));
   EXPECT_EQ(eight, static_cast<s64>(0xFEFFFFFFFFFFFFFF));
 }

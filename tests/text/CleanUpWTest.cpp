@@ -48,6 +48,7 @@ TEST(CleanUpW, ChopsAtAUnit) {
                       {"at the start", unitsOf(u"xab") + "!", unitsOf({u"\0", 1}), unitsOf({u"\0", 1}), true},
                       {"at the end", unitsOf(u"abx"), unitsOf({u"ab\0", 3}), unitsOf({u"ab\0", 3}), true},
                       {"none, odd byte", unitsOf(u"ab") + "x", unitsOf(u"ab"), unitsOf(u"ab"), false},
+                      {"alone", unitsOf(u"x"), unitsOf({u"\0", 1}), unitsOf({u"\0", 1}), true},
                       {"one byte", "x", "x", "x", false},
                       {"nothing", "", "", "", false}};
   for (const auto& c : kCases) {
