@@ -92,10 +92,10 @@ struct CanonicalForm {
   static constexpr bool kSqueezes = true;
 };
 
-// The digits of a part of the data that stays in the processor's nearest cache.
+// The digits of a part of the data, so small that they stay in a near cache and that its dump fits into a pipe.
 class Digits {
  public:
-  static constexpr u32 kPart = 4096;
+  static constexpr u32 kPart = 15 * 1024;
   const char* of(const u8* data, u32 n) {
     text_.weakClear();
     DataBuffer::encodeDB2("hexlower", data, n, text_);
@@ -140,22 +140,22 @@ class Lines {
   bool hasPrevious_ = false, squeezing_ = false;
 };
 
+// The lines go out by parts, so that they too stay in a near cache.
 template <class Form>
 void dumpLines(Window& window, u64 offset, Output& output) {
   Lines<Form> lines;
-  std::vector<char> area;
+  std::vector<char> area((Digits::kPart / kPerLine + 2) * kMostLine);
   for (;;) {
     const u32 n = window.isLast() ? window.size() : window.size() / kPerLine * kPerLine;
-    area.resize(u64{n / kPerLine + 2} * kMostLine);
-    char* to = area.data();
-    for (u32 at = 0; at < n; at += Digits::kPart)
-      to = lines.put(to, offset + at, window.data() + at, std::min(Digits::kPart, n - at));
+    for (u32 at = 0; at < n; at += Digits::kPart) {
+      const char* const end = lines.put(area.data(), offset + at, window.data() + at, std::min(Digits::kPart, n - at));
+      output.write(area.data(), static_cast<size_t>(end - area.data()));
+    }
     offset += n;
-    if (window.isLast() && offset != 0) to = Form::end(to, offset);
-    output.write(area.data(), static_cast<size_t>(to - area.data()));
-    if (window.isLast()) return;
+    if (window.isLast()) break;
     window.advance(n);
   }
+  if (offset != 0) output.write(area.data(), static_cast<size_t>(Form::end(area.data(), offset) - area.data()));
 }
 
 // Digits alone, in lines.
