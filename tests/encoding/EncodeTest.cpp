@@ -129,6 +129,10 @@ TEST(Encode, AgreesWithOtherPrograms) {
   for (const char* const name : {"qp-", "qp-0", "qp-x", "qp-1", "qp--5", "qp-2147483647", "qp-99999999999", "qp-76"})
     EXPECT_EQ(encoded(name, x76 + x76), encoded("qp", x76 + x76)) << name;
   EXPECT_EQ(encoded("qp-2147483646", x76 + x76), x76 + x76);
+  for (const char* const charset : {"utf-8", "", static_cast<const char*>(nullptr)}) {
+    StringBuffer word;
+    EXPECT_TRUE(ContentEncoder::encodeWordQ(bytesOf("a"), 1, charset, word) && textOf(word) == "=?utf-8?Q?a?=");
+  }
 }
 
 // Trimmed and without regard to case, in the order of the table: no name hides behind an earlier one.
@@ -231,6 +235,9 @@ TEST(Encode, ReadsTheNumberOfAName) {
     EXPECT_EQ(TextScan::scanOne(c.text, c.format, &value), c.value == kNone ? 0 : 1) << c.text;
     EXPECT_EQ(value, c.value) << c.text;
   }
+  s32 value = kNone;
+  EXPECT_TRUE(!TextScan::scanOne(nullptr, "%d", &value) && !TextScan::scanOne("1", nullptr, &value) &&
+              !TextScan::scanOne("1", "%d", nullptr) && value == kNone);
 }
 
 TEST(Encode, RendersRangesAndCursors) {
