@@ -101,10 +101,11 @@ void DataBuffer::applyMask(const void* mask, u32 n) {
 }
 
 bool DataBuffer::equals(const DataBuffer& other) const {
-  return size_ == other.size_ && vk_memcmp(data_, other.data_, size_) == 0;
+  return equals2(other.data_, other.size_);
 }
 
+// A buffer can be given a size without a block, see `takeData2`.
 bool DataBuffer::equals2(const void* p, u32 n) const {
   if (size_ != n) return false;
-  return n == 0 || (p && vk_memcmp(p, data_, n) == 0);
+  return n == 0 || (p && data_ && vk_memcmp(p, data_, n) == 0);
 }
