@@ -69,11 +69,11 @@ def table(rates):
 
 def plot(rates):
     script = [
-        "set terminal svg size 760,560 font 'sans-serif,13' background rgb 'white'",
+        "set terminal svg size 800,520 font 'sans-serif,13' background rgb 'white'",
         f"set output '{PLOT}'",
         "set logscale x 2; set logscale y",
         "set xtics ('64' 64, '1 Ki' 1024, '4 Ki' 4096, '64 Ki' 65536, '1 Mi' 1048576)",
-        "set xlabel 'bytes'; set ylabel 'GB/s'; set key outside bottom center maxcols 3 Left reverse; set yrange [0.3:200]; set grid lc rgb '#dddddd'",
+        "set xlabel 'bytes'; set ylabel 'GB/s'; set key below horizontal maxcols 3 Left reverse; set yrange [0.3:200]; set grid lc rgb '#dddddd'",
     ]
     drawn = []
     for i, (title, operation, peer, style) in enumerate(LINES):
