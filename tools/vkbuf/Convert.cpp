@@ -43,26 +43,26 @@ bool convertInput(const Options& options, s32 to, const DataBuffer& data, DataBu
   return _vkEncodingConvert().ChConvert2(name, to, data.getData2(), data.size(), out, log);
 }
 
-// The first character of a UTF-8 text that a charset lacks, looked for line by line and then by character.
-std::string firstUnwritable(s32 to, const DataBuffer& text) {
+bool isWritable(s32 to, const u8* text, const u8* end) {
+  DataBuffer ignored;
+  return convertBytes(kUtf8, to, text, static_cast<u32>(end - text), ignored);
+}
+
+// The first character of a UTF-8 text that a charset lacks, looked for line by line and then by character; empty when
+// there is none.
+std::string_view firstUnwritable(s32 to, const DataBuffer& text) {
   const u8* const data = text.getData2();
   const u8* const end = data + text.size();
-  u32 number = 1;
-  for (const u8* line = data; line != end; ++number) {
+  for (const u8* line = data; line != end;) {
     const u8* const next = std::find(line, end, u8{'\n'});
-    DataBuffer ignored;
-    if (!convertBytes(kUtf8, to, line, static_cast<u32>(next - line), ignored)) {
-      for (const u8* c = line; c != next;) {
-        const u8* const after = std::find_if(c + 1, next, [](u8 b) { return (b & 0xC0) != 0x80; });
-        ignored.clear();
-        if (!convertBytes(kUtf8, to, c, static_cast<u32>(after - c), ignored))
-          return "'" + std::string(c, after) + "' at line " + std::to_string(number);
-        c = after;
-      }
+    for (const u8* c = isWritable(to, line, next) ? next : line; c != next;) {
+      const u8* const after = std::find_if(c + 1, next, [](u8 b) { return (b & 0xC0) != 0x80; });
+      if (!isWritable(to, c, after)) return {reinterpret_cast<const char*>(c), static_cast<std::size_t>(after - c)};
+      c = after;
     }
     line = next == end ? end : next + 1;
   }
-  return "a character";
+  return {};
 }
 
 [[noreturn]] void refuse(const Options& options, s32 to, const DataBuffer& data) {
@@ -78,7 +78,12 @@ std::string firstUnwritable(s32 to, const DataBuffer& text) {
   } else if (!convertInput(options, kUtf8, data, text)) {
     options.job.refuse("is no valid " + (options.from == "auto" ? charsetOf(from) : options.from), kHint);
   }
-  options.job.refuse(firstUnwritable(to, text) + " has no place in " + options.to, kHint);
+  const std::string_view lost = firstUnwritable(to, text);
+  const u32 at = lost.empty() ? 0 : static_cast<u32>(reinterpret_cast<const u8*>(lost.data()) - text.getData2());
+  const std::string where = Place().of(text.getData2(), at) + (from == kUtf8 ? "" : " of the text in UTF-8");
+  options.job.refuse(lost.empty() ? "a character has no place in " + options.to
+                                  : "'" + std::string(lost) + "' at " + where + ", has no place in " + options.to,
+                     kHint);
 }
 
 int convert(const Options& options, s32 to, DataBuffer& data) {

@@ -175,8 +175,7 @@ std::vector<std::string> encodingNames() {
 vk_codec::TextCodec codecOf(const std::string& name) {
   const vk_codec::EncodingName* const found = vk_codec::findEncodingName(vk_codec::trimmed(std::string_view(name)));
   if (found) return found->codec;
-  throw Failure(kFailed, "no encoding is called '" + name + "'; nearest: " + nearestNames(name, encodingNames()),
-                "vkbuf names");
+  throw Failure(kFailed, "no encoding is called '" + name + "'; nearest: " + nearestNames(name, encodingNames()));
 }
 
 std::string_view alphabetOf(s32 id) {
