@@ -1,9 +1,9 @@
 // What the processor offers, for the choice between the forms of a kernel.
 //
-// Every kernel has a scalar form, which is the truth, and an AVX2 form that agrees with it on every input; a few, which
-// it makes at least a third faster, have an AVX-512 form as well. Those that matter most have a NEON form: where there
-// is NEON, all processors have it. The function without a suffix chooses. The instruction set is named at the functions
-// that use it, never in build flags, so that no inline code of theirs can reach a processor without it.
+// Every kernel has a scalar form, which is the truth, and an AVX2 form that agrees with it on every input; a few have
+// an AVX-512 form as well, most of them twice as fast on long inputs. Those that matter most have a NEON form: where
+// there is NEON, all processors have it. The function without a suffix chooses. The instruction set is named at the
+// functions that use it, never in build flags, so that no inline code of theirs can reach a processor without it.
 #pragma once
 
 #if defined(__x86_64__)
