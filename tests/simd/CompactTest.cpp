@@ -79,7 +79,7 @@ TEST(Compact, KeepsEvenIndexes) {
 
 TEST(ReplaceByte, ReplacesEveryValueAtEveryLength) {
   GuardedBytes area(kMost);
-  for (const auto& form : VARNIK_FORMS_512(replaceByte))
+  for (const auto& form : VARNIK_FORMS(replaceByte))
     for (u32 n = 0; n <= kMost; ++n) {
       const std::string given = contentOf(n, n % 4);
       std::string want = given;

@@ -67,7 +67,7 @@ void DataBuffer::byteSwap4321() {
   if (!data_) return;
   const u32 whole = size_ / 4 * 4;
   vk_simd::swapFours(data_, whole);
-  vk_simd::reverseInPlace(data_ + whole, size_ - whole);
+  if (whole != size_) vk_simd::reverseInPlace(data_ + whole, size_ - whole);
 }
 
 bool DataBuffer::getLittleEndian40(bool sameOrder, u32 offset, u32 n, u8* out) const {

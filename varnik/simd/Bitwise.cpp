@@ -62,41 +62,7 @@ template <class Op>
 }
 #endif
 
-#if VARNIK_HAVE_AVX512
-namespace {
-
-struct Xor64 {
-  [[VARNIK_AVX512]] __m512i operator()(__m512i a, __m512i b) const { return _mm512_xor_si512(a, b); }
-};
-struct And64 {
-  [[VARNIK_AVX512]] __m512i operator()(__m512i a, __m512i b) const { return _mm512_and_si512(a, b); }
-};
-
-template <class Op>
-[[VARNIK_AVX512]] inline void combine(u8* out, const u8* a, const u8* b, u32 n, Op op) {
-  u32 i = 0;
-  for (; n - i >= 64; i += 64) _mm512_storeu_si512(out + i, op(_mm512_loadu_si512(a + i), _mm512_loadu_si512(b + i)));
-  if (i == n) return;
-  const u64 rest = _bzhi_u64(~u64{0}, n - i);
-  _mm512_mask_storeu_epi8(out + i, rest,
-                          op(_mm512_maskz_loadu_epi8(rest, a + i), _mm512_maskz_loadu_epi8(rest, b + i)));
-}
-
-}  // namespace
-
-[[VARNIK_AVX512]] void xorBytesAvx512(u8* out, const u8* a, const u8* b, u32 n) {
-  combine(out, a, b, n, Xor64());
-}
-
-[[VARNIK_AVX512]] void andBytesAvx512(u8* out, const u8* a, const u8* b, u32 n) {
-  combine(out, a, b, n, And64());
-}
-#endif
-
 void xorBytes(u8* out, const u8* a, const u8* b, u32 n) {
-#if VARNIK_HAVE_AVX512
-  if (hasAvx512()) return xorBytesAvx512(out, a, b, n);
-#endif
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return xorBytesAvx2(out, a, b, n);
 #endif
@@ -104,9 +70,6 @@ void xorBytes(u8* out, const u8* a, const u8* b, u32 n) {
 }
 
 void andBytes(u8* out, const u8* a, const u8* b, u32 n) {
-#if VARNIK_HAVE_AVX512
-  if (hasAvx512()) return andBytesAvx512(out, a, b, n);
-#endif
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return andBytesAvx2(out, a, b, n);
 #endif

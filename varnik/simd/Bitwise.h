@@ -17,9 +17,5 @@ void andBytesScalar(u8* out, const u8* a, const u8* b, u32 n);
 void xorBytesAvx2(u8* out, const u8* a, const u8* b, u32 n);
 void andBytesAvx2(u8* out, const u8* a, const u8* b, u32 n);
 #endif
-#if VARNIK_HAVE_AVX512
-void xorBytesAvx512(u8* out, const u8* a, const u8* b, u32 n);
-void andBytesAvx512(u8* out, const u8* a, const u8* b, u32 n);
-#endif
 
 }  // namespace vk_simd

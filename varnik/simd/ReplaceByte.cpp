@@ -1,5 +1,7 @@
 #include "varnik/simd/ReplaceByte.h"
 
+#include <cstdint>
+
 #if VARNIK_HAVE_AVX2
 #include <immintrin.h>
 #endif
@@ -23,7 +25,12 @@ namespace {
 
 [[VARNIK_AVX2]] void replaceByteAvx2(u8* data, u32 n, u8 from, u8 to) {
   const __m256i old = _mm256_set1_epi8(static_cast<char>(from)), now = _mm256_set1_epi8(static_cast<char>(to));
+  constexpr u32 kLong = 256;  // from here on it pays to write where no store crosses a cache line
   u32 i = 0;
+  if (n >= kLong) {  // what the first block and the next have in common is replaced twice, which changes nothing
+    replace32(data, old, now);
+    i = 32 - static_cast<u32>(reinterpret_cast<std::uintptr_t>(data) % 32);
+  }
   for (; n - i >= 64; i += 64) {
     replace32(data + i, old, now);
     replace32(data + i + 32, old, now);
@@ -36,25 +43,7 @@ namespace {
 }
 #endif
 
-#if VARNIK_HAVE_AVX512
-[[VARNIK_AVX512]] void replaceByteAvx512(u8* data, u32 n, u8 from, u8 to) {
-  const __m512i old = _mm512_set1_epi8(static_cast<char>(from)), now = _mm512_set1_epi8(static_cast<char>(to));
-  u32 i = 0;
-  for (; n - i >= 64; i += 64) {
-    const __m512i block = _mm512_loadu_si512(data + i);
-    _mm512_storeu_si512(data + i, _mm512_mask_mov_epi8(block, _mm512_cmpeq_epi8_mask(block, old), now));
-  }
-  if (i == n) return;
-  const u64 rest = _bzhi_u64(~u64{0}, n - i);
-  const __m512i block = _mm512_maskz_loadu_epi8(rest, data + i);
-  _mm512_mask_storeu_epi8(data + i, rest & _mm512_cmpeq_epi8_mask(block, old), now);
-}
-#endif
-
 void replaceByte(u8* data, u32 n, u8 from, u8 to) {
-#if VARNIK_HAVE_AVX512
-  if (hasAvx512()) return replaceByteAvx512(data, n, from, to);
-#endif
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return replaceByteAvx2(data, n, from, to);
 #endif

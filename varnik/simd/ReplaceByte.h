@@ -12,8 +12,5 @@ void replaceByteScalar(u8* data, u32 n, u8 from, u8 to);
 #if VARNIK_HAVE_AVX2
 void replaceByteAvx2(u8* data, u32 n, u8 from, u8 to);
 #endif
-#if VARNIK_HAVE_AVX512
-void replaceByteAvx512(u8* data, u32 n, u8 from, u8 to);
-#endif
 
 }  // namespace vk_simd

@@ -5,15 +5,15 @@
 #include <cstring>
 
 #include "varnik/services/charset/internal/CaseMap.h"
-#include "varnik/simd/AsciiCase.h"
+#include "varnik/simd/LetterCase.h"
 
 namespace {
 
 using vk_charset::LowerCase;
 using vk_charset::UpperCase;
 
-// What the kernel leaves goes unit by unit, but not one by one: behind a unit that is not ASCII others follow.
-constexpr u32 kUnitsAtOnce = 16;
+// What the kernel leaves goes unit by unit, but not one by one: behind a unit that it does not know others follow.
+constexpr u32 kUnitsAtOnce = 32;
 
 template <class Map>
 void mapUnits(u8* units, u32 n) {
@@ -26,9 +26,9 @@ void mapUnits(u8* units, u32 n) {
 }
 
 template <class Map>
-void mapBlocks(u8* units, u32 n, u32 (*asciiBlocks)(u8*, u32)) {
+void mapBlocks(u8* units, u32 n, u32 (*knownBlocks)(u8*, u32)) {
   for (u32 i = 0; i < n;) {
-    i += asciiBlocks(units + std::size_t{2} * i, n - i);
+    i += knownBlocks(units + std::size_t{2} * i, n - i);
     const u32 count = std::min(kUnitsAtOnce, n - i);
     mapUnits<Map>(units + std::size_t{2} * i, count);
     i += count;
@@ -48,9 +48,9 @@ u16 Utf16Case::toLower(u16 unit) {
 }
 
 void Utf16Case::toUpper(u8* units, u32 n) {
-  mapBlocks<UpperCase>(units, n, vk_simd::upperAsciiBlocks);
+  mapBlocks<UpperCase>(units, n, vk_simd::upperBlocks);
 }
 
 void Utf16Case::toLower(u8* units, u32 n) {
-  mapBlocks<LowerCase>(units, n, vk_simd::lowerAsciiBlocks);
+  mapBlocks<LowerCase>(units, n, vk_simd::lowerBlocks);
 }

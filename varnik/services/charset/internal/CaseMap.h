@@ -15,17 +15,17 @@ class CaseMap {
   /// Returns what a unit maps to: itself where the character's mapping is no single unit. Any thread may call.
   static u16 of(u16 unit) {
     u8 page = pages_[unit >> 8].load(std::memory_order_acquire);
-    if (page < kFirst) {
-      if (page == kUnknown) page = makePage(static_cast<u8>(unit >> 8));
+    if (page == kUnknown) [[unlikely]] {
+      page = makePage(static_cast<u8>(unit >> 8));
       if (page == kUnknown) return mapped(unit);
-      if (page == kSelf) return unit;
     }
-    return units_[page - kFirst][unit & 0xFF];
+    return static_cast<u16>(unit + added_[page][unit & 0xFF]);
   }
 
  private:
-  // What pages_ holds: nothing yet, that no unit of the page changes, or kFirst and an index of units_.
-  static constexpr u8 kUnknown = 0, kSelf = 1, kFirst = 2;
+  // What pages_ holds: nothing yet, or which row of added_ tells what is added to a unit of the page. The row of pages
+  // without case is all zeros: text goes to and fro between letters and others, and no branch has to foresee it.
+  static constexpr u8 kUnknown = 0, kNoCase = 1, kFirst = 2;
   static constexpr u32 kMaxPages = 32;  // Unicode has 20 pages with letters that have case
 
   static u8 makePage(u8 page);
@@ -33,7 +33,7 @@ class CaseMap {
 
   static inline std::atomic<u8> pages_[256];
   static inline std::atomic<u32> used_;
-  static inline u16 units_[kMaxPages][256];
+  static inline u16 added_[kFirst + kMaxPages][256];
 };
 
 using UpperCase = CaseMap<Case::kUpper>;
