@@ -43,7 +43,7 @@ class Compacting {
 
 TEST(Compact, DropsOneValue) {
   Compacting compacting;
-  for (const auto& form : VARNIK_FORMS(dropByte))
+  for (const auto& form : VARNIK_FORMS_512(dropByte))
     for (u32 n = 0; n <= kMost; ++n)
       for (u32 density = 0; density < 4; ++density) {
         const std::string given = contentOf(n, density);
@@ -56,7 +56,7 @@ TEST(Compact, DropsOneValue) {
 
 TEST(Compact, KeepsAscii) {
   Compacting compacting;
-  for (const auto& form : VARNIK_FORMS(keepAscii))
+  for (const auto& form : VARNIK_FORMS_512(keepAscii))
     for (u32 n = 0; n <= kMost; ++n)
       for (const std::string_view alphabet : {std::string_view("a\0\x01\x7F\x80\xFF", 6), std::string_view("ab")}) {
         const std::string given = Random(n).text(n, alphabet);

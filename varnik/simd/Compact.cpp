@@ -5,13 +5,18 @@
 namespace vk_simd {
 namespace {
 
-// Which bytes go: of one, and a bit for each of 32.
+// Which bytes go: of one, and a bit for each of a vector's.
 struct EqualTo {
   u8 value;
   bool operator()(u8 each) const { return each == value; }
 #if VARNIK_HAVE_AVX2
   [[VARNIK_AVX2]] u32 operator()(__m256i block) const {
     return static_cast<u32>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(block, _mm256_set1_epi8(static_cast<char>(value)))));
+  }
+#endif
+#if VARNIK_HAVE_AVX512
+  [[VARNIK_AVX512]] u64 operator()(__m512i block) const {
+    return _mm512_cmpeq_epi8_mask(block, _mm512_set1_epi8(static_cast<char>(value)));
   }
 #endif
 };
@@ -21,6 +26,11 @@ struct ZeroOrHigh {
 #if VARNIK_HAVE_AVX2
   [[VARNIK_AVX2]] u32 operator()(__m256i block) const {
     return ~static_cast<u32>(_mm256_movemask_epi8(_mm256_cmpgt_epi8(block, _mm256_setzero_si256())));
+  }
+#endif
+#if VARNIK_HAVE_AVX512
+  [[VARNIK_AVX512]] u64 operator()(__m512i block) const {
+    return _mm512_cmple_epi8_mask(block, _mm512_setzero_si512());
   }
 #endif
 };
@@ -94,7 +104,42 @@ template <class Going>
 }
 #endif
 
+#if VARNIK_HAVE_AVX512
+namespace {
+
+template <class Going>
+[[VARNIK_AVX512]] u32 compactAvx512(u8* out, const u8* from, u32 n, Going going) {
+  u32 i = 0, kept = 0;
+  for (; n - i >= 64; i += 64) {
+    const __m512i block = _mm512_loadu_si512(from + i);
+    const u64 staying = ~going(block);
+    _mm512_storeu_si512(out + kept, _mm512_maskz_compress_epi8(staying, block));
+    kept += static_cast<u32>(__builtin_popcountll(staying));
+  }
+  if (i == n) return kept;
+  const u64 rest = _bzhi_u64(~u64{0}, n - i);
+  const __m512i block = _mm512_maskz_loadu_epi8(rest, from + i);
+  const u64 staying = rest & ~going(block);
+  const u32 count = static_cast<u32>(__builtin_popcountll(staying));
+  _mm512_mask_storeu_epi8(out + kept, _bzhi_u64(~u64{0}, count), _mm512_maskz_compress_epi8(staying, block));
+  return kept + count;
+}
+
+}  // namespace
+
+[[VARNIK_AVX512]] u32 dropByteAvx512(u8* out, const u8* from, u32 n, u8 value) {
+  return compactAvx512(out, from, n, EqualTo{value});
+}
+
+[[VARNIK_AVX512]] u32 keepAsciiAvx512(u8* out, const u8* from, u32 n) {
+  return compactAvx512(out, from, n, ZeroOrHigh{});
+}
+#endif
+
 u32 dropByte(u8* out, const u8* from, u32 n, u8 value) {
+#if VARNIK_HAVE_AVX512
+  if (hasAvx512()) return dropByteAvx512(out, from, n, value);
+#endif
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return dropByteAvx2(out, from, n, value);
 #endif
@@ -102,6 +147,9 @@ u32 dropByte(u8* out, const u8* from, u32 n, u8 value) {
 }
 
 u32 keepAscii(u8* out, const u8* from, u32 n) {
+#if VARNIK_HAVE_AVX512
+  if (hasAvx512()) return keepAsciiAvx512(out, from, n);
+#endif
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return keepAsciiAvx2(out, from, n);
 #endif

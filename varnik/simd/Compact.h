@@ -24,5 +24,9 @@ u32 dropByteAvx2(u8* out, const u8* from, u32 n, u8 value);
 u32 keepAsciiAvx2(u8* out, const u8* from, u32 n);
 u32 keepEvenAvx2(u8* out, const u8* from, u32 n);
 #endif
+#if VARNIK_HAVE_AVX512
+u32 dropByteAvx512(u8* out, const u8* from, u32 n, u8 value);
+u32 keepAsciiAvx512(u8* out, const u8* from, u32 n);
+#endif
 
 }  // namespace vk_simd
