@@ -173,7 +173,7 @@ std::vector<std::string> encodingNames() {
 }
 
 vk_codec::TextCodec codecOf(const std::string& name) {
-  const vk_codec::EncodingName* const found = vk_codec::findEncodingName(vk_codec::trimmed(std::string_view(name)));
+  const vk_codec::EncodingName* const found = vk_codec::findEncodingName(name);
   if (found) return found->codec;
   throw Failure(kFailed, "no encoding is called '" + name + "'; nearest: " + nearestNames(name, encodingNames()));
 }

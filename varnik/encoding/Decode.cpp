@@ -132,25 +132,40 @@ DecodeResult vk_decodeText(s32 id, const char* text, u32 n, DataBuffer& out) {
   }
 }
 
+namespace {
+
+// Out of line, so that the callers need no stack and no destructor on their usual way, which for short texts counts.
+
+[[gnu::noinline]] bool appendByCharset(const char* text, const char* name, DataBuffer& out) {
+  StringBuffer charset;
+  if (!charset.append(name)) return false;
+  charset.toLowerCase();
+  charset.trim2();
+  return out.appendEncodedById(text, CharsetNames::codePageForName(charset, nullptr));
+}
+
+// For a text in `out` itself, which would move or be overwritten while it is read.
+[[gnu::noinline]] bool decodeCopy(s32 id, const char* text, u32 n, DataBuffer& out) {
+  StringBuffer copy;
+  return copy.appendN(text, n) && vk_decodeText(id, copy.getString(), n, out).ok;
+}
+
+}  // namespace
+
 bool DataBuffer::appendEncoded(const char* text, const char* name) {
   if (!text) return true;
   if (!name) return false;
   if (*text == 0) return true;
   LogNull log;
-  if (const s32 id = _clsEncode::encodingIdForName(name, log); id != 0) return appendEncodedById(text, id);
-  StringBuffer charset;
-  if (!charset.append(name)) return false;
-  charset.toLowerCase();
-  charset.trim2();
-  return appendEncodedById(text, CharsetNames::codePageForName(charset, nullptr));
+  const s32 id = _clsEncode::encodingIdForName(name, log);
+  return id != 0 ? appendEncodedById(text, id) : appendByCharset(text, name, *this);
 }
 
 bool DataBuffer::appendEncodedById(const char* text, s32 id) {
   if (!text || *text == 0) return true;
   const u32 n = vk_strlen(text);
-  if (!vk_pointsInto(text, data_, capacity_)) return vk_decodeText(id, text, n, *this).ok;
-  StringBuffer copy;  // the text would move or be overwritten while it is read
-  return copy.appendN(text, n) && vk_decodeText(id, copy.getString(), n, *this).ok;
+  if (vk_pointsInto(text, data_, capacity_)) return decodeCopy(id, text, n, *this);
+  return vk_decodeText(id, text, n, *this).ok;
 }
 
 bool DataBuffer::appendDecList(const char* text) {

@@ -3,6 +3,6 @@
 #include "varnik/services/codecs/internal/EncodingTable.h"
 
 s32 _clsEncode::encodingIdForName(const char* name, LogBase&) {
-  const vk_codec::EncodingName* const row = vk_codec::findEncodingName(vk_codec::trimmed(name));
+  const vk_codec::EncodingName* const row = name ? vk_codec::findEncodingName(name) : nullptr;
   return row ? vk_codec::factsOf(row->codec).decoderId : 0;
 }

@@ -117,6 +117,12 @@ constexpr Chains chained() {
 }
 constexpr Chains kChains = chained();
 
+// Where the chain of a name begins. REQUIRES: a name that is not empty.
+u8 firstOf(std::string_view name) {
+  const u32 letter = lowered(name[0]) - u32{'a'};
+  return letter < kChains.first.size() ? kChains.first[letter] : kEnd;
+}
+
 // A name of up to 16 characters in two words, which may overlap: names of one length are equal when their words are.
 struct Words {
   u64 head, tail;
@@ -147,12 +153,12 @@ constexpr std::array<Words, std::size(kNames)> kWords = [] {
 
 // The row of a name that is written as in the table, as most are; null where none is or the name is too long for its
 // words. No other row can match such a name first: nothing whole begins with a prefix of the table.
-const EncodingName* findAsWritten(std::string_view name, u8 first) {
+const EncodingName* findAsWritten(std::string_view name) {
   constexpr std::size_t kMost = 16;
-  if (name.size() > kMost) return nullptr;
+  if (name.empty() || name.size() > kMost) return nullptr;
   const Words words = wordsOf(name);
-  for (u8 i = first; i != kEnd; i = kChains.next[i])
-    if (kNames[i].name.size() == name.size() && kWords[i] == words && kNames[i].match == whole) return &kNames[i];
+  for (u8 i = firstOf(name); i != kEnd; i = kChains.next[i])
+    if (kWords[i] == words && kNames[i].name.size() == name.size() && kNames[i].match == whole) return &kNames[i];
   return nullptr;
 }
 
@@ -191,12 +197,10 @@ std::string_view trimmed(const char* text) {
 }
 
 const EncodingName* findEncodingName(std::string_view name) {
+  if (const EncodingName* const row = findAsWritten(name)) return row;
+  name = trimmed(name);
   if (name.empty()) return nullptr;
-  const u8 letter = lowered(name[0]);
-  if (letter < 'a' || letter > 'z') return nullptr;
-  const u8 first = kChains.first[letter - 'a'];
-  if (const EncodingName* const row = findAsWritten(name, first)) return row;
-  for (u8 i = first; i != kEnd; i = kChains.next[i])
+  for (u8 i = firstOf(name); i != kEnd; i = kChains.next[i])
     if (matches(kNames[i], name)) return &kNames[i];
   return nullptr;
 }

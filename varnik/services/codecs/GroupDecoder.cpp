@@ -18,6 +18,11 @@ u32 referenceLength(const char* text, u32 n) {
              : 0;
 }
 
+// Between the word and its bytes, the low one first.
+u64 littleEndian(u64 word) {
+  return std::endian::native == std::endian::big ? __builtin_bswap64(word) : word;
+}
+
 // One run over a text. White space that stands between groups only parts the text into runs, which the kernels take
 // straight from there, equal lines all at once. From anything else on, the text is gathered piece by piece without its
 // white space.
@@ -30,15 +35,14 @@ class Decoding {
   u32 written() const { return written_; }
 
  private:
-  static constexpr u32 kPiece = 4096, kMostChars = 8, kMostBytes = 5;  // the largest group
+  static constexpr u32 kPiece = 4096, kMostChars = 8;  // of the largest group, which is at least its bytes
 
   bool decodeRuns();
   void decodeLines(u32 length);
   void count(u32 chars);
   bool decodeTail(u32 end);
   bool decodeHeld();
-  bool decodeLastGroup();
-  void gatherGroup(char (&group)[kMostChars]) const;
+  bool decodeLastGroup(const char* chars, u32 n);
   DecodeResult skipPadding();
   void skipWhiteSpace();
   u32 skippedAt(u32 at) const;
@@ -96,12 +100,9 @@ void Decoding::decodeLines(u32 length) {
 
 // Less than a group is left before the padding.
 bool Decoding::decodeTail(u32 end) {
-  const u32 begin = at_;
-  while (at_ != end) held_[numHeld_++] = text_[at_++];
-  if (decodeLastGroup()) return true;
-  at_ = begin;  // white space or a fault: the long way will tell
-  numHeld_ = 0;
-  return false;
+  if (!decodeLastGroup(text_ + at_, end - at_)) return false;  // white space or a fault: the long way will tell
+  at_ = end;
+  return true;
 }
 
 // False when a whole group is held that holds a character outside the alphabet.
@@ -116,7 +117,7 @@ bool Decoding::decodeHeld() {
 
 bool Decoding::isKnown(char c) const {
   char group[kMostChars];
-  u8 bytes[kMostBytes];
+  u8 bytes[kMostChars];
   std::fill_n(group, f_.chars, c);
   return f_.decode(group, f_.chars, bytes) == f_.chars;
 }
@@ -144,29 +145,25 @@ DecodeResult Decoding::faultAt(u32 at) const {
   return DecodeResult::fault(at);
 }
 
-// Joins the characters in a register: the processor lets a kernel's wide load wait for narrow stores just made.
-void Decoding::gatherGroup(char (&group)[kMostChars]) const {
-  u64 word = 0;
-  for (u32 k = kMostChars; k-- != 0;) word = word << 8 | static_cast<u8>(k < numHeld_ ? held_[k] : f_.zero);
-  if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
-  std::memcpy(group, &word, kMostChars);
-}
-
 // A group that is not whole is filled with zeros: the bytes that it has no bits for must be zero then. A last character
-// that completes no byte is one too many.
-bool Decoding::decodeLastGroup() {
-  const u32 count = numHeld_ * f_.bits / 8;
-  if (numHeld_ == 0) return true;
-  if (count == (numHeld_ - 1) * f_.bits / 8) return false;
+// that completes no byte is one too many. The characters are joined in a register, as the processor lets a kernel's
+// wide load wait for narrow stores just made.
+bool Decoding::decodeLastGroup(const char* chars, u32 n) {
+  const u32 count = n * f_.bits / 8;
+  if (n == 0) return true;
+  if (count == (n - 1) * f_.bits / 8) return false;
+  u64 word = ~u64{0} / 0xFF * static_cast<u8>(f_.zero);
+  for (u32 k = n; k-- != 0;) word = word << 8 | static_cast<u8>(chars[k]);
   char group[kMostChars];
-  u8 bytes[kMostBytes] = {};
-  gatherGroup(group);
+  word = littleEndian(word);
+  std::memcpy(group, &word, sizeof word);
+  u8 bytes[sizeof word] = {};
   if (f_.decode(group, f_.chars, bytes) != f_.chars) return false;
-  u8 spare = 0;
-  for (u32 k = 0; k < kMostBytes; ++k) spare |= k < count ? u8{0} : bytes[k];
-  if (spare != 0) return false;
-  for (u32 k = 0; k < count; ++k) to_[written_++] = bytes[k];
-  numHeld_ = 0;
+  std::memcpy(&word, bytes, sizeof word);
+  word = littleEndian(word);
+  if (word >> (8 * count) != 0) return false;
+  for (u32 k = 0; k < count; ++k, word >>= 8) to_[written_ + k] = static_cast<u8>(word);
+  written_ += count;
   return true;
 }
 
@@ -196,7 +193,7 @@ DecodeResult Decoding::run() {
     if (skipped == 0) return faultAt(at_);
     at_ += skipped;
   }
-  return decodeLastGroup() ? skipPadding() : faultAt(offsetOf(decoded_ + numHeld_ - 1));
+  return decodeLastGroup(held_, numHeld_) ? skipPadding() : faultAt(offsetOf(decoded_ + numHeld_ - 1));
 }
 
 }  // namespace

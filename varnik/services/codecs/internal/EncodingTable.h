@@ -60,8 +60,7 @@ struct CodecFacts {
 /// All names, in the order in which they are tried.
 VARNIK_API std::span<const EncodingName> encodingNames();
 
-/// Returns the first name of the table that matches, null when none does. REQUIRES: a name without white space around
-/// it, see `trimmed`.
+/// Returns the first name of the table that matches the name given without white space around it, null when none does.
 VARNIK_API const EncodingName* findEncodingName(std::string_view name);
 
 VARNIK_API const CodecFacts& factsOf(TextCodec codec);
