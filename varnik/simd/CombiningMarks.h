@@ -14,5 +14,8 @@ u32 composeMarksScalar(u8* data, u32 n);
 #if VARNIK_HAVE_AVX2
 u32 composeMarksAvx2(u8* data, u32 n);
 #endif
+#if VARNIK_HAVE_AVX512
+u32 composeMarksAvx512(u8* data, u32 n);
+#endif
 
 }  // namespace vk_simd
