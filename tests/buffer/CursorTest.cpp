@@ -1,120 +1,73 @@
 #include <gtest/gtest.h>
 
-#include "tests/support/Allocations.h"
 #include "tests/support/Bytes.h"
 
 namespace {
 
-TEST(Cursor, ReadsBackWhatTheWritersWrote) {
-  DataBuffer b;
-  b.appendUint16_be(0x1234);
-  b.appendUint32_le(0x89ABCDEF);
-  b.appendInt64_be(-2);
-  u32 cursor = 0, four = 0;
-  u16 two = 0;
-  s64 eight = 0;
-  EXPECT_TRUE(b.parseUint16(cursor, false, two));
-  EXPECT_TRUE(b.parseUint32(cursor, true, four));
-  EXPECT_TRUE(b.parseInt64(cursor, false, eight));
-  EXPECT_EQ(cursor, 14U);
-  EXPECT_EQ(two, 0x1234);
-  EXPECT_EQ(four, 0x89ABCDEF);
-  EXPECT_EQ(eight, -2);
-  cursor = 0;
-  EXPECT_TRUE(b.parseUint16(cursor, true, two) && b.parseUint32(cursor, false, four));
-  EXPECT_TRUE(two == 0x3412 && four == 0xEFCDAB89);
-  EXPECT_TRUE(b.parseInt64(cursor, true, eight));
-  EXPECT_EQ(eight, static_cast<s64>(0xFEFFFFFFFFFFFFFF));
+/// Reads an integer at the cursor; `out` tells it.
+template <class Integer, auto parse, bool isLittleEndian>
+bool number(const DataBuffer& b, u32& cursor, std::string& out) {
+  Integer value = 7;
+  const bool done = (b.*parse)(cursor, isLittleEndian, value);
+  out = std::to_string(value);
+  return done;
 }
 
-// Every field at every cursor, in a buffer whose capacity reaches far behind its size.
+/// Reads `n` bytes into a buffer or a string.
+template <class Bytes, auto parse, u32 n>
+bool bytes(const DataBuffer& b, u32& cursor, std::string& out) {
+  Bytes got;
+  const bool done = (b.*parse)(cursor, n, got);
+  out = textOf(got);
+  return done;
+}
+
+bool byte(const DataBuffer& b, u32& cursor, std::string& out) {
+  u8 value = 'x';
+  const bool done = b.parseByte(cursor, value);
+  out = static_cast<char>(value);
+  return done;
+}
+
+// Every field at every cursor, in a buffer whose capacity reaches far behind its size, and in one without a block.
 TEST(Cursor, StaysInTheBytesInUse) {
-  const DataBuffer b = bufferOf("0123456789");
-  for (const u32 start : {0U, 2U, 3U, 6U, 7U, 8U, 9U, 10U, 11U, 0xFFFFFFF8U, 0xFFFFFFFFU}) {
-    const auto check = [&](const char* what, u32 width, bool ok, u32 cursor, bool outIsZero) {
-      const bool fits = start <= 10 && 10 - start >= width;
-      EXPECT_EQ(ok, fits) << what << " at " << start;
-      EXPECT_EQ(cursor, fits ? start + width : start) << what << " at " << start;
-      EXPECT_EQ(outIsZero, !fits) << what << " at " << start;
-    };
-    u32 cursor = start, four = 7;
-    u16 two = 7;
-    s64 eight = 7;
-    u8 one = 0;
-    bool ok = b.parseByte(cursor, one);
-    check("byte", 1, ok, cursor, one == 0);
-    cursor = start;
-    ok = b.parseUint16(cursor, true, two);
-    check("u16", 2, ok, cursor, two == 0);
-    cursor = start;
-    ok = b.parseUint32(cursor, false, four);
-    check("u32", 4, ok, cursor, four == 0);
-    cursor = start;
-    ok = b.parseInt64(cursor, true, eight);
-    check("s64", 8, ok, cursor, eight == 0);
-    DataBuffer data;
-    cursor = start;
-    ok = b.parseData(cursor, 3, data);
-    check("data", 3, ok, cursor, data.empty());
-    StringBuffer text;
-    cursor = start;
-    ok = b.parseString(cursor, 3, text);
-    check("text", 3, ok, cursor, text.isEmpty());
-  }
-}
-
-TEST(Cursor, LeavesAByteThatIsNotThere) {
-  const DataBuffer none;
-  u32 cursor = 0;
-  u8 out = 9;
-  EXPECT_FALSE(none.parseByte(cursor, out));
-  EXPECT_FALSE(none.expectByte(cursor, 0));
-  EXPECT_EQ(out, 9);
-  EXPECT_EQ(cursor, 0U);
+  const struct {
+    u32 width;
+    bool (*read)(const DataBuffer& b, u32& cursor, std::string& out);
+    std::string first, none;  // what is read at 0, and where there is nothing
+  } kFields[] = {
+      {1, byte, "\x01", "x"},
+      {2, number<u16, &DataBuffer::parseUint16, true>, std::to_string(0x0201), "0"},
+      {2, number<u16, &DataBuffer::parseUint16, false>, std::to_string(0x0102), "0"},
+      {4, number<u32, &DataBuffer::parseUint32, true>, std::to_string(0x84030201), "0"},
+      {4, number<u32, &DataBuffer::parseUint32, false>, std::to_string(0x01020384), "0"},
+      {8, number<s64, &DataBuffer::parseInt64, true>, std::to_string(static_cast<s64>(0xFE07060584030201)), "0"},
+      {8, number<s64, &DataBuffer::parseInt64, false>, std::to_string(0x01020384050607FE), "0"},
+      {3, bytes<DataBuffer, &DataBuffer::parseData, 3>, "\x01\x02\x03", ""},
+      {3, bytes<StringBuffer, &DataBuffer::parseString, 3>, "\x01\x02\x03", ""},
+      {0, bytes<DataBuffer, &DataBuffer::parseData, 0>, "", ""},
+      {0, bytes<StringBuffer, &DataBuffer::parseString, 0>, "", ""},
+  };
+  for (const DataBuffer& b : {bufferOf(fromHex("01 02 03 84 05 06 07 FE 09 0A")), DataBuffer()})
+    for (const auto& field : kFields)
+      for (const u32 start : {0U, 2U, 3U, 6U, 7U, 8U, 9U, 10U, 11U, 0xFFFFFFF8U, 0xFFFFFFFFU}) {
+        const bool fits = field.width == 0 || (start <= b.size() && b.size() - start >= field.width);
+        u32 cursor = start;
+        std::string out;
+        EXPECT_EQ(field.read(b, cursor, out), fits) << field.first << " at " << start;
+        EXPECT_EQ(cursor, fits ? start + field.width : start) << field.first << " at " << start;
+        if (start == 0 || !fits) {
+          EXPECT_EQ(out, fits ? field.first : field.none);
+        }
+      }
 }
 
 TEST(Cursor, ExpectsOneByte) {
   const DataBuffer b = bufferOf("0x");
   u32 cursor = 0;
-  EXPECT_TRUE(b.expectByte(cursor, '0'));
-  EXPECT_FALSE(b.expectByte(cursor, '0'));
-  EXPECT_EQ(cursor, 1U);
-  EXPECT_TRUE(b.expectByte(cursor, 'x'));
-  EXPECT_FALSE(b.expectByte(cursor, 'x'));
-  EXPECT_EQ(cursor, 2U);
-}
-
-TEST(Cursor, ReadsNothingFromAnywhere) {
-  const DataBuffer none;
-  DataBuffer data;
-  StringBuffer text;
-  u32 cursor = 0xFFFFFFFF;
-  EXPECT_TRUE(none.parseData(cursor, 0, data));
-  EXPECT_TRUE(none.parseString(cursor, 0, text));
-  EXPECT_EQ(cursor, 0xFFFFFFFFU);
-}
-
-TEST(Cursor, StaysWhenTheReceiverCannotGrow) {
-  const DataBuffer b = bufferOf("abc");
-  DataBuffer data;
-  StringBuffer text;
-  u32 cursor = 1;
-  {
-    const faults::FailAllocation fail(1, true);
-    EXPECT_FALSE(b.parseData(cursor, 2, data));
-    EXPECT_FALSE(b.parseString(cursor, 2, text));
-  }
-  EXPECT_EQ(cursor, 1U);
-  EXPECT_TRUE(b.parseData(cursor, 2, data));
-  EXPECT_EQ(textOf(data), "bc");
-}
-
-TEST(Cursor, AppendsABufferToItself) {
-  DataBuffer b;
-  b.copyData("abc", 3);
-  u32 cursor = 1;
-  EXPECT_TRUE(b.parseData(cursor, 2, b));
-  EXPECT_EQ(textOf(b), "abcbc");
+  EXPECT_FALSE(DataBuffer().expectByte(cursor, 0));
+  EXPECT_TRUE(b.expectByte(cursor, '0') && !b.expectByte(cursor, '0') && cursor == 1);
+  EXPECT_TRUE(b.expectByte(cursor, 'x') && !b.expectByte(cursor, 'x') && cursor == 2);
 }
 
 }  // namespace

@@ -21,7 +21,7 @@ void prepare(Scene& s, bool filled) {
   s.source = bufferOf(randomBytes(5000));
   s.key = bufferOf("0123456789abcdef0123456789ABCDEF");
   if (!filled) return;
-  s.buffer.append("held before", 11);
+  s.buffer.copyData("held before", 11);  // without spare room
   s.text.append("<held before>");
   s.wide.setFromUtf8("held");
   s.view.append("queued", 6);

@@ -27,8 +27,8 @@ std::vector<Operation> bufferOperations() {
       op("reallocate", [](Scene& s) { return s.buffer.reallocate(50000); }),
       op("expandBuffer", [](Scene& s) { return s.buffer.expandBuffer(50000); }),
       op("getAppendPtr", [](Scene& s) { return s.buffer.getAppendPtr(50000) != nullptr; }),
-      op("minimizeMemoryUsage", [](Scene& s) { return s.buffer.minimizeMemoryUsage(); }),
-      op("minimizeMemoryUsage2", [](Scene& s) { return s.buffer.minimizeMemoryUsage2(10); }),
+      op("minimizeMemoryUsage2",
+         [](Scene& s) { return s.buffer.ensureBuffer(500) && s.buffer.minimizeMemoryUsage2(10); }),
       op("createNewObject",
          [](Scene& s) {
            const std::unique_ptr<DataBuffer> made(DataBuffer::createNewObject());
@@ -47,8 +47,8 @@ std::vector<Operation> bufferOperations() {
       op("prepForSbTake", [](Scene& s) { return s.buffer.prepForSbTake(); }),
       extending("fields",
                 [](Scene& s) {
-                  return s.buffer.append_u16(1) && s.buffer.appendUint32_be(2) && s.buffer.appendInt64_le(3) &&
-                         s.buffer.appendDouble_le(4) && s.buffer.appendUtf16_le("a", 2);
+                  return s.buffer.appendUtf16_le("a", 2) && s.buffer.append_u16(1) && s.buffer.appendUint32_be(2) &&
+                         s.buffer.appendInt64_le(3) && s.buffer.appendDouble_le(4);
                 }),
       op("parseData",
          [](Scene& s) {

@@ -97,8 +97,8 @@ std::vector<Operation> encodingOperations() {
       extending("jsonDecode", [](Scene& s) { return StringBuffer::jsonDecode(R"(ab\u00e9\ud83d\ude00)", 20, s.text); }),
       extending("hexStringToBinary",
                 [](Scene& s) {
-                  s.text.weakClear();
-                  return s.text.append("00 11 22 aB") && s.text.hexStringToBinary(s.buffer);
+                  StringBuffer digits;
+                  return digits.append("00 11 22 aB") && digits.hexStringToBinary(s.buffer);
                 }),
       alwaysTrue(extending("LogText",
                            [](Scene& s) {

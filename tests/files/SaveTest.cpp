@@ -16,17 +16,30 @@
 
 namespace {
 
+using namespace std::string_literals;
 using faults::Call;
 using faults::Fault;
 
 bool save(const std::string& path, std::string_view content, LogBase* log = nullptr) {
-  return _vkFileSys::writeFileUtf8(path.c_str(), bytesOf(content), countOf(content), log);
+  DataBuffer b;
+  b.borrowData(const_cast<char*>(content.data()), countOf(content));
+  return b.db_saveToFileUtf8(path.c_str(), log);
 }
 
-mode_t modeOf(const std::string& path) {
+struct stat statOf(const std::string& path) {
   struct stat facts = {};
   stat(path.c_str(), &facts);
-  return facts.st_mode & 07777;
+  return facts;
+}
+mode_t modeOf(const std::string& path) {
+  return statOf(path).st_mode & 07777;
+}
+
+// How a child process ended: its exit status.
+int waitFor(pid_t child) {
+  int status = 0;
+  waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 255;
 }
 
 // Runs `body` in a process of another user, and returns its exit status.
@@ -37,27 +50,28 @@ int asNobody(Body body) {
     if (setgid(65534) != 0 || setuid(65534) != 0) _exit(77);
     _exit(body() ? 0 : 1);
   }
-  int status = 0;
-  waitpid(child, &status, 0);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : 255;
+  return waitFor(child);
 }
 
 TEST(Save, CreatesAndReplaces) {
   const TempFolder folder;
-  const std::string path = folder / "f";
-  for (const u32 length : {0u, 1u, 100'000u, 0u, 20'000'000u}) {
-    const std::string content = randomBytes(length, length);
-    DataBuffer b = bufferOf(content);
-    EXPECT_TRUE(b.db_saveToFileUtf8(path.c_str(), nullptr));
-    EXPECT_TRUE(readFile(path) == content) << length;
-    EXPECT_EQ(folder.entries(), 1u);
-  }
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(folder.path());
+  for (const std::string& name : {folder / std::string(255, 'n'), "here"s, "./here too"s})
+    for (const u32 length : {0u, 1u, 100'000u, 0u, 20'000'000u}) {
+      const std::string content = randomBytes(length, length);
+      EXPECT_TRUE(save(name, content));
+      EXPECT_TRUE(readFile(name) == content) << length;
+    }
+  std::filesystem::current_path(before);
+  EXPECT_EQ(folder.entries(), 3u);
+  const std::string path = folder / "here";
   EXPECT_TRUE(_vkFileSys::writeFileUtf8(path.c_str(), nullptr, 0, nullptr));
   EXPECT_EQ(readFile(path), "");
   EXPECT_FALSE(_vkFileSys::writeFileUtf8(path.c_str(), nullptr, 1, nullptr));
 }
 
-TEST(Save, GivesANewFileTheModeOfAnyNewFile) {
+TEST(Save, GivesANewFileTheModeOfAnyNewFileAndKeepsAnOldOnes) {
   const TempFolder folder;
   for (const mode_t mask : {0u, 022u, 027u, 077u, 0777u}) {
     const std::string path = folder / std::to_string(mask);
@@ -66,24 +80,14 @@ TEST(Save, GivesANewFileTheModeOfAnyNewFile) {
     EXPECT_EQ(umask(before), mask) << "the umask was changed";
     EXPECT_EQ(modeOf(path), 0666 & ~mask);
   }
-}
-
-TEST(Save, KeepsModeAndOwner) {
-  const TempFolder folder;
   const std::string path = writeFile(folder / "f", "old");
   const bool privileged = geteuid() == 0;
   for (const mode_t mode : {0600u, 0644u, 0755u, 0666u, 02750u, 04711u}) {
-    if (privileged) {
-      ASSERT_EQ(chown(path.c_str(), 65534, 12345), 0);
-    }
+    ASSERT_TRUE(!privileged || chown(path.c_str(), 65534, 12345) == 0);
     ASSERT_EQ(chmod(path.c_str(), mode), 0);
     EXPECT_TRUE(save(path, "new"));
     EXPECT_EQ(modeOf(path), mode);
-    struct stat facts = {};
-    stat(path.c_str(), &facts);
-    if (privileged) {
-      EXPECT_TRUE(facts.st_uid == 65534 && facts.st_gid == 12345);
-    }
+    EXPECT_TRUE(!privileged || (statOf(path).st_uid == 65534 && statOf(path).st_gid == 12345));
   }
 }
 
@@ -91,19 +95,13 @@ TEST(Save, KeepsModeAndOwner) {
 TEST(Save, HidesTheTemporaryUntilItIsFull) {
   const TempFolder folder;
   const mode_t before = umask(0);
+  chmod(writeFile(folder / "old", "x").c_str(), 0666);
   for (const char* name : {"new", "old"}) {
-    if (std::string_view(name) == "old") {
-      writeFile(folder / "old", "x");
-      chmod((folder / "old").c_str(), 0666);
-    }
     vk_files::AtomicFile file;
     ASSERT_TRUE(file.open((folder / name).c_str()) && file.write("abc", 3));
     u32 seen = 0;
     for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
-      if (entry.path().filename().string()[0] == '.') {
-        ++seen;
-        EXPECT_EQ(modeOf(entry.path().string()), 0600u);
-      }
+      seen += entry.path().filename().string()[0] == '.' && modeOf(entry.path()) == 0600;
     EXPECT_EQ(seen, 1u);
     EXPECT_TRUE(file.commit());
     EXPECT_EQ(modeOf(folder / name), 0666u);
@@ -133,24 +131,6 @@ TEST(Save, FollowsLinks) {
     EXPECT_TRUE(fs::is_symlink(folder / "dangling"));
   }
   EXPECT_EQ(std::distance(fs::directory_iterator(folder / "a/b"), {}), 2);
-}
-
-TEST(Save, FindsRelativeNames) {
-  const TempFolder folder;
-  const auto before = std::filesystem::current_path();
-  std::filesystem::current_path(folder.path());
-  EXPECT_TRUE(save("here", "1"));
-  EXPECT_TRUE(save("./here too", "2"));
-  std::filesystem::current_path(before);
-  EXPECT_EQ(readFile(folder / "here") + readFile(folder / "here too"), "12");
-}
-
-TEST(Save, TakesTheLongestName) {
-  const TempFolder folder;
-  const std::string name(255, 'n');
-  EXPECT_TRUE(save(folder / name, "1"));
-  EXPECT_TRUE(save(folder / name, "2"));
-  EXPECT_EQ(readFile(folder / name), "2");
 }
 
 TEST(Save, RefusesWhatCannotBeWritten) {
@@ -202,11 +182,9 @@ TEST(Save, AsksForTheRightsOfTheCaller) {
 
 TEST(Save, WritesDevicesAndPipesDirectly) {
   const TempFolder folder;
-  struct stat device = {}, after = {};
-  stat("/dev/null", &device);
+  const struct stat device = statOf("/dev/null");
   EXPECT_TRUE(save("/dev/null", "gone"));
-  stat("/dev/null", &after);
-  EXPECT_TRUE(S_ISCHR(after.st_mode) && after.st_ino == device.st_ino);
+  EXPECT_TRUE(S_ISCHR(statOf("/dev/null").st_mode) && statOf("/dev/null").st_ino == device.st_ino);
 
   const std::string pipe = folder / "pipe", content = randomBytes(200'000);
   mkfifo(pipe.c_str(), 0600);
@@ -236,61 +214,33 @@ TEST(Save, OutlivesTheReaderOfAPipe) {
     pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
     _exit(right && !sigismember(&waiting, SIGPIPE) && !sigismember(&blocked, SIGPIPE) ? 0 : 1);
   }
-  int status = 0;
-  waitpid(child, &status, 0);
-  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+  EXPECT_EQ(waitFor(child), 0);
 }
 
-// What is saved and what was there before, under each fault; `struck` counts them.
-struct Sweep {
-  TempFolder folder;
-  u32 struck = 0;
-
-  void run(Call call, bool forGood, Fault fault, bool replaces) {
-    for (u32 k = 1;; ++k) {
-      std::filesystem::remove(folder / "f");
-      if (replaces) writeFile(folder / "f", "old content");
-      const u32 before = faults::openDescriptors();
-      bool done = false, wasStruck = false;
-      {
-        const faults::FailCall armed(call, k, forGood, fault);
-        done = save(folder / "f", "new content, longer");
-        wasStruck = armed.struck();
-      }
-      if (!wasStruck) return;
-      ++struck;
-      check(done, call == Call::kAny ? "any" : "", replaces, before);
-    }
-  }
-
-  void check(bool done, const char* what, bool replaces, u32 before) const {
-    const std::string left = readFile(folder / "f");
-    const std::string old = replaces ? "old content" : "(none)";
-    if (done) {
-      EXPECT_EQ(left, "new content, longer") << what;
-    } else {
-      EXPECT_TRUE(left == old || left == "new content, longer") << what << left;
-    }
-    EXPECT_LE(folder.entries(), 1u) << "a temporary is left";
-    EXPECT_EQ(faults::openDescriptors(), before);
-  }
-};
-
 TEST(Save, LeavesOldOrNewAfterEachFailure) {
-  Sweep sweep;
+  const TempFolder folder;
+  const std::string path = folder / "f", now = "new content, longer";
+  u32 struck = 0;
   for (const bool replaces : {false, true}) {
-    for (const int error : {EIO, ENOSPC, EACCES, EMFILE, EDQUOT, EINTR}) {
-      sweep.run(Call::kAny, false, {Fault::kError, error}, replaces);
-      if (error == EINTR) continue;
-      for (const Call call : {Call::kOpen, Call::kStat, Call::kWrite, Call::kSync, Call::kChmod, Call::kChown,
-                              Call::kAccess, Call::kReadLink, Call::kRename, Call::kClose, Call::kRandom})
-        sweep.run(call, true, {Fault::kError, error}, replaces);
-    }
+    const auto sweep = [&](Call call, bool forGood, Fault fault) {
+      struck += faults::strikeEach(call, forGood, fault, [&] {
+        std::filesystem::remove(path);
+        if (replaces) writeFile(path, "old content");
+        const bool done = save(path, now);
+        const std::string left = readFile(path);
+        EXPECT_TRUE(left == now || (!done && left == (replaces ? "old content" : "(none)"))) << left;
+        EXPECT_LE(folder.entries(), 1u) << "a temporary is left";
+      });
+    };
+    for (const int error : {EIO, ENOSPC, EACCES, EMFILE, EDQUOT, EINTR})
+      for (u32 call = 0; call <= static_cast<u32>(Call::kAny); ++call)  // a call interrupted for good is made for ever
+        if (const bool any = static_cast<Call>(call) == Call::kAny; any || error != EINTR)
+          sweep(static_cast<Call>(call), !any, {Fault::kError, error});
     for (const Fault fault :
          {Fault{Fault::kShort, 1}, Fault{Fault::kHalf, 0}, Fault{Fault::kNothing, 0}, Fault{Fault::kBreak, ENOSPC}})
-      for (const bool forGood : {false, true}) sweep.run(Call::kWrite, forGood, fault, replaces);
+      for (const bool forGood : {false, true}) sweep(Call::kWrite, forGood, fault);
   }
-  EXPECT_GE(sweep.struck, 200u);
+  EXPECT_GE(struck, 200u);
 }
 
 // Before the rename every failure leaves the old file; the rename's own and what comes before it are told.
@@ -325,12 +275,11 @@ TEST(Save, IsWholeWhereverTheProcessDies) {
         const faults::FailCall armed(Call::kAny, k, false, {Fault::kDie, 0});
         _exit(save(path, content) ? 0 : 1);
       }
-      int status = 0;
-      waitpid(child, &status, 0);
+      const int status = waitFor(child);
       const std::string left = readFile(path);
       EXPECT_TRUE(left == content || left == (replaces ? "old content" : "(none)")) << "call " << k;
-      if (WIFEXITED(status) && WEXITSTATUS(status) == 0) break;
-      ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 9);
+      if (status == 0) break;
+      ASSERT_EQ(status, 9);
       ++deaths;
     }
     EXPECT_GE(deaths, 10u);

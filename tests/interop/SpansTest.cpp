@@ -42,66 +42,49 @@ static_assert(!Viewable<DataBuffer> && !Viewable<const DataBuffer> && !Viewable<
 
 TEST(Spans, ShowTheBytesInUse) {
   DataBuffer b = bufferOf("abc");
-  const DataBuffer& reader = b;
-  EXPECT_EQ(vk_span(b).data(), b.getData2());
-  EXPECT_EQ(vk_span(reader).size(), 3u);
-  vk_span(b)[1] = 'B';
-  EXPECT_EQ(vk_view(b), "aBc");
-  const StringBuffer s("t\xC3\xAA");
-  EXPECT_EQ(vk_view(s), "t\xC3\xAA"sv);
   const DataBuffer none;
-  const StringBuffer noText;
+  const StringBuffer s("t\xC3\xAA"), noText;
+  vk_span(b)[1] = 'B';
+  EXPECT_TRUE(vk_span(b).data() == b.getData2() && vk_span(std::as_const(b)).size() == 3);
+  EXPECT_TRUE(vk_view(b) == "aBc" && vk_view(s) == "t\xC3\xAA");
   EXPECT_TRUE(vk_span(none).empty() && vk_view(none).empty() && vk_view(noText).empty());
 }
 
 TEST(Spans, AppendFromWhatIsContiguous) {
   DataBuffer b;
+  StringBuffer s("<");
   const std::vector<u8> bytes = {'0', '1'};
   const std::array<std::byte, 1> other = {std::byte{'2'}};
   const u8 plain[] = {'3'};
   EXPECT_TRUE(vk_append(b, bytes) && vk_append(b, other) && vk_append(b, plain));
-  EXPECT_TRUE(vk_append(b, "45") && vk_append(b, "6\0"sv) &&
-              vk_append(b, std::string("7")));  // a literal without its NUL
+  EXPECT_TRUE(vk_append(b, "45") && vk_append(b, "6\0"sv) && vk_append(b, std::string("7")));
   EXPECT_TRUE(vk_append(b, std::span<const u8>()) && vk_append(b, std::string_view()));
-  EXPECT_EQ(textOf(b), "0123456\0007"sv);
   EXPECT_TRUE(vk_append(b, vk_span(b).subspan(2, 2)));
   EXPECT_EQ(textOf(b), "0123456\000723"sv);
-
-  StringBuffer s("<");
   EXPECT_TRUE(vk_append(s, "a\0b"sv) && vk_append(s, ">"));
   EXPECT_EQ(textOf(s), "<a\0b>"sv);
-}
 
-TEST(Spans, AppendNothingWhenThereIsNoRoom) {
-  DataBuffer b = bufferOf("abc");
-  StringBuffer s("abc");
-  const std::string_view tooMuch(vk_view(b).data(), std::size_t{0xFFFFFFFF} + 4);  // 3 bytes if the count were cut
-  EXPECT_FALSE(vk_append(b, tooMuch) || vk_append(s, tooMuch));
   const std::vector<u8> more(30'000);
-  {
-    const faults::FailAllocation fail(1, true);
-    EXPECT_FALSE(vk_append(b, more));
-  }
-  EXPECT_EQ(textOf(b) + textOf(s), "abcabc");
+  const std::string_view tooMuch(vk_view(b).data(), std::size_t{0xFFFFFFFF} + 4);  // 3 bytes if the count were cut
+  const faults::FailAllocation fail(1, true);
+  EXPECT_FALSE(vk_append(b, tooMuch) || vk_append(s, tooMuch) || vk_append(b, more) ||
+               vk_append(s, {reinterpret_cast<const char*>(more.data()), more.size()}));
+  EXPECT_EQ(b.size() + s.getSize(), 16u);
 }
 
 TEST(Spans, RangesTakeABufferAndAString) {
   DataBuffer b = bufferOf("dbca");
+  const StringBuffer s("ABCD");
   std::ranges::sort(b);
   EXPECT_EQ(textOf(b), "abcd");
-  EXPECT_EQ(std::ranges::count(b, 'c'), 1);
   std::ranges::reverse(b);
   EXPECT_TRUE(std::ranges::equal(b, "dcba"sv));
   std::ranges::reverse(b);
   for (u8& each : b) each = static_cast<u8>(each - 'a' + 'A');
-  const StringBuffer s("ABCD");
   EXPECT_TRUE(std::ranges::equal(b, s));
   EXPECT_EQ(std::vector<u8>(begin(b), end(b)).size(), 4u);
-  EXPECT_EQ(*(2 + begin(s)), 'C');
-  EXPECT_EQ(end(b)[-1], 'D');
-  u32 n = 0;
-  for ([[maybe_unused]] const u8 each : DataBuffer()) ++n;
-  EXPECT_EQ(n, 0u);
+  EXPECT_TRUE(*(2 + begin(s)) == 'C' && end(b)[-1] == 'D' && begin(b) <= begin(b) && begin(b) < end(b));
+  EXPECT_TRUE(std::ranges::empty(DataBuffer()));
 }
 
 }  // namespace

@@ -13,20 +13,17 @@ namespace {
 using faults::Call;
 using faults::Fault;
 
+LogNull nowhere;
+
 bool set(SecretData& holder, DataBuffer& key, std::string_view secret) {
-  LogNull log;
-  return holder.setSecret(key, bytesOf(secret), countOf(secret), log);
+  return holder.setSecret(key, bytesOf(secret), countOf(secret), nowhere);
 }
 
 // The secret; "(refused)" when the answer is false, with nothing in the buffer.
 std::string get(SecretData& holder, DataBuffer& key) {
   DataBuffer out = bufferOf("old content");
-  LogNull log;
-  const bool done = holder.getSecret(key, out, log);
-  EXPECT_TRUE(key.secure && out.secure);
-  if (!done) {
-    EXPECT_TRUE(out.empty());
-  }
+  const bool done = holder.getSecret(key, out, nowhere);
+  EXPECT_TRUE(key.secure && out.secure && (done || out.empty()));
   return done ? textOf(out) : "(refused)";
 }
 
@@ -34,70 +31,43 @@ TEST(SecretData, KeepsASecretUnderItsKey) {
   for (const u32 keySize : {0u, 1u, 32u, 100u})
     for (const u32 n : {0u, 1u, 16u, 1000u, 100'000u}) {
       SecretData holder;
-      DataBuffer key = bufferOf(randomBytes(keySize));
+      DataBuffer key = bufferOf(randomBytes(keySize)), none, wrong = bufferOf("wrong");
       const std::string secret = randomBytes(n, n);
-      EXPECT_TRUE(holder.isEmpty());
-      EXPECT_TRUE(set(holder, key, secret));
-      EXPECT_EQ(key.size(), keySize == 0 ? 32u : keySize);
-      EXPECT_EQ(key.secure, 1);
+      EXPECT_TRUE(holder.isEmpty() && set(holder, key, secret));
+      EXPECT_TRUE(key.size() == (keySize == 0 ? 32u : keySize) && key.secure);
       EXPECT_EQ(holder.getEncryptedSize(), n == 0 ? 0 : n + 28);
-      EXPECT_EQ(holder.isEmpty(), n == 0);
-      EXPECT_TRUE(get(holder, key) == secret);
+      EXPECT_TRUE(holder.isEmpty() == (n == 0) && get(holder, key) == secret);
       const std::string keyBefore = textOf(key);
       EXPECT_TRUE(set(holder, key, "another"));
       EXPECT_EQ(textOf(key), keyBefore);
-      EXPECT_EQ(get(holder, key), "another");
-      DataBuffer none, other = bufferOf("wrong");
-      EXPECT_EQ(get(holder, none) + get(holder, other), "(refused)(refused)");
+      EXPECT_EQ(get(holder, key) + get(holder, none) + get(holder, wrong), "another(refused)(refused)");
       EXPECT_EQ(none.size(), 0u);
+      EXPECT_TRUE(holder.setSecret(key, nullptr, 5, nowhere) && holder.isEmpty());
+      set(holder, key, "another");
       holder.secureClear();
-      EXPECT_TRUE(holder.isEmpty());
-      EXPECT_EQ(get(holder, none), "");
+      EXPECT_TRUE(holder.isEmpty() && get(holder, none).empty());
     }
 }
 
-TEST(SecretData, TakesNullForNoSecret) {
-  SecretData holder;
-  DataBuffer key;
-  LogNull log;
-  set(holder, key, "secret");
-  EXPECT_TRUE(holder.setSecret(key, nullptr, 5, log));
-  EXPECT_TRUE(holder.isEmpty());
-  DataBuffer fresh;
-  EXPECT_TRUE(holder.setSecret(fresh, bytesOf("x"), 0, log));
-  EXPECT_EQ(fresh.size(), 32u);
-}
-
-TEST(SecretData, IsNeverCopiedWithItsSecret) {
-  SecretData a, b;
-  DataBuffer key;
-  set(a, key, "secret a");
-  set(b, key, "secret b");
-  SecretData copy(a);  // NOLINT(performance-unnecessary-copy-initialization): what a copy holds is the question
-  EXPECT_TRUE(copy.isEmpty());
-  b = a;
-  EXPECT_EQ(get(a, key) + get(b, key), "secret asecret b");
-}
-
-TEST(SecretData, MovesASecretUnderAnotherKey) {
-  SecretData from, to;
-  DataBuffer oldKey = bufferOf("old key"), newKey, none, wrong = bufferOf("wrong");
+TEST(SecretData, IsCopiedOnlyUnderAnotherKey) {
+  SecretData from, to, empty;
+  DataBuffer oldKey = bufferOf("old key"), newKey, none, wrong = bufferOf("wrong"), unused;
   set(from, oldKey, "secret");
+  SecretData copy(from);  // NOLINT(performance-unnecessary-copy-initialization): what a copy holds is the question
+  EXPECT_TRUE(copy.isEmpty());
   to.copySecretFrom(newKey, oldKey, from);
   EXPECT_EQ(newKey.size(), 32u);
   EXPECT_EQ(get(to, newKey) + get(to, oldKey) + get(from, oldKey), "secret(refused)secret");
   from.copySecretFrom(newKey, oldKey, from);
   EXPECT_EQ(get(from, newKey), "secret");
-  for (DataBuffer* useless : {&none, &wrong}) {
+  const std::pair<DataBuffer*, SecretData*> kUseless[] = {{&none, &from}, {&wrong, &from}, {&unused, &empty}};
+  for (const auto& [key, source] : kUseless) {
     set(to, newKey, "held before");
-    to.copySecretFrom(newKey, *useless, from);
-    EXPECT_TRUE(to.isEmpty());
+    to = *source;
+    EXPECT_EQ(get(to, newKey), "held before");
+    to.copySecretFrom(newKey, *key, *source);
+    EXPECT_TRUE(to.isEmpty() && unused.empty());
   }
-  set(to, newKey, "held before");
-  SecretData empty;
-  DataBuffer unused;
-  to.copySecretFrom(unused, unused, empty);
-  EXPECT_TRUE(to.isEmpty() && unused.empty());
 }
 
 TEST(SecretData, KeepsItsSecretWhereNoKeyCanBeMade) {
@@ -107,11 +77,9 @@ TEST(SecretData, KeepsItsSecretWhereNoKeyCanBeMade) {
   set(holder, key, "secret");
   {
     const faults::FailCall armed(Call::kRandom, 1, true, {Fault::kError, ENOSYS});
-    EXPECT_FALSE(holder.setSecret(fresh, bytesOf("new"), 3, log));
-    EXPECT_TRUE(fresh.empty());
-    EXPECT_EQ(log.numErrors(), 1u);
-    EXPECT_FALSE(holder.setSecretFromBuffer(fresh, key));
+    EXPECT_FALSE(holder.setSecret(fresh, bytesOf("new"), 3, log) || holder.setSecretFromBuffer(fresh, key));
   }
+  EXPECT_TRUE(fresh.empty() && log.numErrors() == 1);
   EXPECT_EQ(get(holder, key), "secret");
 }
 
@@ -122,35 +90,26 @@ TEST(SecretData, GoesOnWithDamagedBuffersAfterReportingEach) {
   alignas(DataBuffer) unsigned char place[sizeof(DataBuffer)];
   auto* damaged = new (place) DataBuffer;
   damaged->~DataBuffer();
-  LogNull log;
   const u32 before = Psdk::numReports();
-  EXPECT_FALSE(holder.getSecret(*damaged, out, log)) << "it is an empty key";
-  EXPECT_TRUE(holder.getSecret(key, *damaged, log));
+  EXPECT_FALSE(holder.getSecret(*damaged, out, nowhere)) << "it is an empty key";
+  EXPECT_TRUE(holder.getSecret(key, *damaged, nowhere));
   EXPECT_EQ(Psdk::numReports(), before + 2);
   EXPECT_EQ(textOf(*damaged), "secret");
-  damaged->clear();
   damaged->swapData(out);
 }
 
 // The bytes of a freed block as they were just before.
 template <class Let>
-std::string seenAtRelease(const u8* block, u32 n, Let let) {
-  const faults::WatchRelease watch(block, n);
+std::string seenAtRelease(const DataBuffer& held, Let let) {
+  const u32 n = held.size();
+  const faults::WatchRelease watch(held.getData2(), n);
   let();
   EXPECT_TRUE(watch.released());
   return {reinterpret_cast<const char*>(watch.bytes()), n};
 }
 
 TEST(SecretData, WipesTheCiphertextBeforeItGoes) {
-  const auto offset = [](const SecretData& holder) {  // where the holder keeps the address of its ciphertext
-    u8* block = nullptr;
-    const DataBuffer& encrypted = *reinterpret_cast<const DataBuffer*>(reinterpret_cast<const u8*>(&holder) + 8);
-    block = encrypted.getData2();
-    EXPECT_EQ(encrypted.size(), holder.getEncryptedSize());
-    return block;
-  };
   DataBuffer key;
-  const std::string zeros(34, '\0');
   SecretData empty;
   const std::pair<const char*, void (*)(SecretData&, DataBuffer&, SecretData&)> kWays[] = {
       {"secureClear", [](SecretData& h, DataBuffer&, SecretData&) { h.secureClear(); }},
@@ -162,7 +121,9 @@ TEST(SecretData, WipesTheCiphertextBeforeItGoes) {
   for (const auto& [name, way] : kWays) {
     auto holder = std::make_unique<SecretData>();
     set(*holder, key, "secret");
-    EXPECT_EQ(seenAtRelease(offset(*holder), 34, [&, let = way] { let(*holder, key, empty), holder.reset(); }), zeros)
+    const auto& encrypted = *reinterpret_cast<const DataBuffer*>(reinterpret_cast<const u8*>(holder.get()) + 8);
+    EXPECT_EQ(seenAtRelease(encrypted, [&, let = way] { let(*holder, key, empty), holder.reset(); }),
+              std::string(34, '\0'))
         << name;
   }
 }
@@ -170,14 +131,13 @@ TEST(SecretData, WipesTheCiphertextBeforeItGoes) {
 TEST(SecretData, WipesWhatWasHandedOutBefore) {
   SecretData holder;
   DataBuffer key, out, wrong = bufferOf("wrong");
-  LogNull log;
   for (DataBuffer* second : {&key, &wrong}) {
     set(holder, key, "the first secret");
-    ASSERT_TRUE(holder.getSecret(key, out, log));
+    ASSERT_TRUE(holder.getSecret(key, out, nowhere));
     set(holder, key, "the second one is longer");
-    EXPECT_EQ(seenAtRelease(out.getData2(), 16,
+    EXPECT_EQ(seenAtRelease(out,
                             [&] {
-                              holder.getSecret(*second, out, log);
+                              holder.getSecret(*second, out, nowhere);
                               out.clearWithDeallocate();
                             }),
               std::string(16, '\0'));
@@ -185,44 +145,37 @@ TEST(SecretData, WipesWhatWasHandedOutBefore) {
 }
 
 TEST(SecretString, HandsOutWhatItHolds) {
+  const std::string secret =
+      "s\xC3\xA9"
+      "cret";
   SecretString holder;
-  DataBuffer key;
+  DataBuffer key, none;
   LogText log;
-  EXPECT_TRUE(holder.setSecString(key,
-                                  "s\xC3\xA9"
-                                  "cret",
-                                  log));
+  EXPECT_TRUE(holder.setSecString(key, secret.c_str(), log));
   EXPECT_EQ(holder.getEncryptedSize(), 7u + 28);
-  StringBuffer text("old");
-  XString unicode;
-  unicode.setFromUtf8("old");
-  DataBuffer data = bufferOf("old"), none;
-  EXPECT_TRUE(holder.getSecString(key, text, log) && holder.getSecStringX(key, unicode, log) &&
-              holder.getSecData(key, data, log));
-  EXPECT_EQ(textOf(text) + unicode.getUtf8() + textOf(data),
-            "s\xC3\xA9"
-            "crets\xC3\xA9"
-            "crets\xC3\xA9"
-            "cret");
-  EXPECT_EQ(unicode.getNumChars(), 6u);
-  EXPECT_TRUE(unicode.isSecure() && data.secure && key.secure);
-  EXPECT_FALSE(holder.getSecString(none, text, log) || holder.getSecStringX(none, unicode, log) ||
-               holder.getSecData(none, data, log));
-  EXPECT_TRUE(text.isEmpty() && unicode.isEmpty() && data.empty());
-  EXPECT_STREQ(log.getText(), "");
+  const auto getAll = [&](DataBuffer& with) {  // what the three forms answer, and what they leave
+    StringBuffer text("old");
+    XString unicode;
+    unicode.setFromUtf8("old");
+    DataBuffer data = bufferOf("old");
+    std::string got;
+    for (const bool done : {holder.getSecString(with, text, log), holder.getSecStringX(with, unicode, log),
+                            holder.getSecData(with, data, log)})
+      got += done ? "yes " : "no ";
+    EXPECT_TRUE(unicode.isSecure() && data.secure && with.secure);
+    return got + textOf(text) + "|" + unicode.getUtf8() + "|" + textOf(data);
+  };
+  EXPECT_EQ(getAll(key), "yes yes yes " + secret + "|" + secret + "|" + secret);
+  EXPECT_EQ(getAll(none), "no no no ||");
   holder.secureClear();
-  data.append("old", 3);
-  EXPECT_TRUE(holder.isEmpty() && holder.getSecString(none, text, log) && holder.getSecStringX(none, unicode, log) &&
-              holder.getSecData(none, data, log));
-  EXPECT_TRUE(text.isEmpty() && unicode.isEmpty() && unicode.isSecure() && data.empty());
-  EXPECT_TRUE(holder.setSecString(key, nullptr, log));
-  EXPECT_TRUE(holder.isEmpty());
+  EXPECT_EQ(getAll(none), "yes yes yes ||");
+  EXPECT_TRUE(holder.setSecString(key, nullptr, log) && holder.isEmpty());
+  EXPECT_STREQ(log.getText(), "");
 }
 
 TEST(Companions, StartEmpty) {
   auto* shared = new RefCountedDataBuffer;
-  EXPECT_TRUE(shared->buffer.empty() && shared->buffer.checkValidityDb());
-  EXPECT_EQ(shared->buffer.secure, 0);
+  EXPECT_EQ(stateOf(shared->buffer), " of 0, no block");
   shared->buffer.append("x", 1);
   shared->incRefCount();
   shared->decRefCount();
@@ -235,13 +188,11 @@ TEST(Companions, StartEmpty) {
   std::memset(place, 0xFF, sizeof place);
   auto* scratch = new (place) FixedScratchBuffers;
   EXPECT_EQ(scratch->count, 0u);
-  EXPECT_TRUE(std::all_of(scratch->firstArea, scratch->firstArea + 2048, [](u8 b) { return b == 0; }));
-  EXPECT_TRUE(std::all_of(scratch->secondArea, scratch->secondArea + 1024, [](u8 b) { return b == 0; }));
-  scratch->count = 7;
-  scratch->firstArea[0] = 7;
+  EXPECT_EQ(std::count(scratch->firstArea, scratch->firstArea + 2048, 0), 2048);
+  EXPECT_EQ(std::count(scratch->secondArea, scratch->secondArea + 1024, 0), 1024);
+  scratch->count = scratch->firstArea[0] = 7;
   scratch->~FixedScratchBuffers();
-  EXPECT_EQ(scratch->count, 0u);
-  EXPECT_EQ(scratch->firstArea[0], 7) << "the areas are not wiped";
+  EXPECT_TRUE(scratch->count == 0 && scratch->firstArea[0] == 7) << "the areas are not wiped";
 }
 
 }  // namespace

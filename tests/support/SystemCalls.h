@@ -2,6 +2,8 @@
 // linker's --wrap); the library itself knows nothing of it.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include "varnik/services/memory/Types.h"
 
 namespace faults {
@@ -55,5 +57,18 @@ class FailCall {
 u64 calls(Call call);
 /// How many descriptors the process has open.
 u32 openDescriptors();
+
+/// Calls `operation()` with its k-th call of a kind struck, for k = 1, 2, ..., until there was no such call. Expects
+/// that no descriptor stays open. Returns how many calls were struck.
+template <class Operation>
+u32 strikeEach(Call call, bool forGood, Fault fault, Operation operation) {
+  const u32 before = openDescriptors();
+  for (u32 k = 1;; ++k) {
+    const FailCall armed(call, k, forGood, fault);
+    operation();
+    if (!armed.struck()) return k - 1;
+    EXPECT_EQ(openDescriptors(), before) << "call " << k;
+  }
+}
 
 }  // namespace faults

@@ -40,7 +40,7 @@ bool DataBuffer::stage(const void* source, u32 n, DataBuffer& staged) const {
 bool DataBuffer::appendSlow(const void* source, u32 n) {
   if (!isValid()) return false;
   if (!source || n == 0) return true;
-  if (ownsAddress(source) && n > capacity_ - size_) {
+  if (ownsAddress(source)) {  // and does not fit: what fits was appended inline
     DataBuffer staged;
     return stage(source, n, staged) && append(staged);
   }

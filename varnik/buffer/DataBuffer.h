@@ -462,7 +462,10 @@ class VARNIK_API DataBuffer : public VarnikObject {
  private:
   static constexpr u8 kValid = 219;
 
-  bool isValid() const { return validity_ == kValid || reportDamage(); }
+  bool isValid() const {
+    if (validity_ != kValid) return reportDamage();
+    return true;
+  }
   bool reportDamage() const;
   void release();
   bool appendSlow(const void* source, u32 n);

@@ -27,9 +27,9 @@ bool DataBuffer::prepend(const void* source, u32 n) {
 }
 
 bool DataBuffer::insertAt(u32 pos, const void* source, u32 n) {
+  if (!isValid()) return false;
   if (pos == 0) return prepend(source, n);
   if (pos >= size_) return append(source, n);
-  if (!isValid()) return false;
   if (!source || n == 0) return true;
   if (ownsAddress(source)) {
     DataBuffer staged;

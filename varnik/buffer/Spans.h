@@ -91,7 +91,8 @@ class VkByteIterator {
   friend VkByteIterator operator+(difference_type n, VkByteIterator i) { return i += n; }
   friend VkByteIterator operator-(VkByteIterator i, difference_type n) { return i -= n; }
   friend difference_type operator-(VkByteIterator a, VkByteIterator b) { return a.at_ - b.at_; }
-  friend auto operator<=>(VkByteIterator, VkByteIterator) = default;
+  friend bool operator==(VkByteIterator a, VkByteIterator b) { return a.at_ == b.at_; }
+  friend std::strong_ordering operator<=>(VkByteIterator a, VkByteIterator b) { return a.at_ <=> b.at_; }
 
  private:
   T* at_ = nullptr;

@@ -1,0 +1,293 @@
+// Loading: whole files, header-prefixed files, chunks.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cstring>
+#include <filesystem>
+
+#include "tests/support/Allocations.h"
+#include "tests/support/Bytes.h"
+#include "tests/support/GuardedBytes.h"
+#include "tests/support/SystemCalls.h"
+#include "tests/support/TempFolder.h"
+
+namespace {
+
+using namespace std::string_literals;
+using faults::Call;
+using faults::Fault;
+
+const std::string kSample = "\x0A\0\0\0headerbody"s;
+
+// The four loaders under one signature, and what each gives of the sample.
+constexpr struct Loader {
+  bool (*load)(DataBuffer& b, DataBuffer& header, const char* path, LogBase& log);
+  std::string_view given;
+  u32 spare;               // the zeros behind it
+  bool leavesPart, reads;  // when a read fails; asks for the permission to read
+} kLoaders[] = {
+    {[](DataBuffer& b, DataBuffer&, const char* path, LogBase& log) { return b.loadFileUtf8(path, &log); },
+     {"\x0A\0\0\0headerbody", 14},
+     32,
+     true,
+     true},
+    {[](DataBuffer& b, DataBuffer& header, const char* path, LogBase& log) {
+       return b.loadFileWithHeaderUtf8(path, header, 100, log);
+     },
+     "body", 4, true, true},
+    {[](DataBuffer& b, DataBuffer&, const char* path, LogBase& log) { return b.loadCacheHeaderUtf8(path, 100, log); },
+     "header", 0, false, false},
+    {[](DataBuffer& b, DataBuffer&, const char* path, LogBase& log) { return b.loadFileChunk(path, 4, 6, log); },
+     "header", 0, false, true},
+};
+
+// Whether the block is zero behind the content to its end.
+bool endsInZeros(const DataBuffer& b) {
+  for (u32 i = b.size(); i < b.getBufSize(); ++i)
+    if (*b.getBufAt(i) != 0) return false;
+  return true;
+}
+
+TEST(Load, WholeFilesWithZerosBehind) {
+  const TempFolder folder;
+  char lent[] = "lent";
+  for (const u32 length : {0u, 1u, 5u, 4096u, 100'000u, 9'000'000u, 16'777'217u}) {
+    const std::string content = randomBytes(length), path = folder / "not UTF-8: \xFF\xFE, \\, \n";
+    DataBuffer b;
+    b.borrowData(lent, 4);
+    ASSERT_TRUE(b.loadFileUtf8(writeFile(path, content).c_str(), nullptr)) << length;
+    EXPECT_TRUE(textOf(b) == content && b.heapUsage() == (length == 0 ? 0 : length + 32)) << length;
+    EXPECT_TRUE(endsInZeros(b) && (length != 0 || !b.getData2()));
+  }
+  EXPECT_STREQ(lent, "lent");
+  DataBuffer b = bufferOf("old");  // what the system generates on reading has no length to be asked for
+  EXPECT_TRUE(b.loadFileUtf8("/proc/self/status", nullptr));
+  EXPECT_EQ(stateOf(b), " of 0, no block");
+}
+
+TEST(Load, SplitsHeaderAndBody) {
+  const TempFolder folder;
+  const struct {
+    const char* what;
+    std::string content;
+    u32 limit;
+    bool result, cacheResult;
+    std::string_view header, body;  // of a header loaded when `result`, `cacheResult`
+    u32 errors;
+  } kCases[] = {
+      {"the limit counts the prefix", kSample, 10, true, true, "header", "body", 0},
+      {"a limit that is too low", kSample, 9, false, false, "", "", 1},
+      {"no header", "\4\0\0\0body"s, 100, false, true, "", "", 1},
+      {"below the least", "\3\0\0\0body"s, 100, false, false, "", "", 1},
+      {"no body", "\6\0\0\0ab"s, 100, true, true, "ab", "", 0},
+      {"a promise of one byte more", "\7\0\0\0ab"s, 100, false, false, "", "", 1},
+      {"the largest promise", "\xFF\xFF\xFF\xFF"s, 0xFFFFFFFF, false, false, "", "", 1},
+      {"shorter than the prefix", "\4\0\0"s, 100, true, true, "", "", 1},
+  };
+  for (const auto& c : kCases) {
+    const std::string path = writeFile(folder / "f", c.content);
+    DataBuffer body = bufferOf("old body"), header = bufferOf("old header"), cached = bufferOf("old");
+    LogText log;
+    LogNull cacheLog;
+    EXPECT_EQ(body.loadFileWithHeaderUtf8(path.c_str(), header, c.limit, log), c.result) << c.what;
+    EXPECT_EQ(textOf(body), c.body) << c.what;
+    EXPECT_EQ(body.getBufSize(), c.errors == 0 ? c.body.size() + 4 : 0);
+    EXPECT_TRUE(endsInZeros(body));
+    EXPECT_EQ(textOf(header), c.header.empty() ? "old header" : c.header) << c.what;
+    EXPECT_EQ(log.numErrors(), c.errors) << c.what << log.getText();
+    EXPECT_EQ(cached.loadCacheHeaderUtf8(path.c_str(), c.limit, cacheLog), c.cacheResult) << c.what;
+    EXPECT_EQ(textOf(cached), c.header) << c.what;
+  }
+}
+
+TEST(Load, Chunks) {
+  const TempFolder folder;
+  const std::string content = randomBytes(100), path = writeFile(folder / "f", content);
+  constexpr struct {
+    s64 offset;
+    u32 maxLen, length;
+    bool isAsked = true;
+  } kCases[] = {{0, 50, 50},       {0, 100, 100},     {0, 0xFFFFFFFF, 100}, {90, 50, 10},
+                {99, 1, 1},        {100, 1, 0},       {101, 1, 0},          {s64{1} << 62, 1, 0},
+                {INT64_MAX, 1, 0}, {-1, 1, 0, false}, {0, 0, 0, false}};
+  for (const auto& c : kCases) {
+    DataBuffer b = bufferOf("old");
+    LogText log;
+    const u64 seeks = faults::calls(Call::kSeek);
+    EXPECT_EQ(b.loadFileChunk(path.c_str(), c.offset, c.maxLen, log), c.length != 0) << c.offset;
+    EXPECT_EQ(textOf(b), c.isAsked ? content.substr(c.length ? static_cast<u32>(c.offset) : 0, c.length) : "old");
+    EXPECT_EQ(b.getBufSize(), c.isAsked ? c.length : 20'000);
+    EXPECT_EQ(faults::calls(Call::kSeek) - seeks, c.offset > 0 && c.length != 0 ? 1u : 0u);
+    EXPECT_STREQ(log.getText(), c.isAsked ? "loadFileChunk:\n" : "");
+    EXPECT_FALSE(b.loadFileChunk(nullptr, 0, 1, log));
+  }
+}
+
+TEST(Load, FilesOf4GiBAndMore) {
+  const TempFolder folder;
+  const std::string path = writeFile(folder / "sparse", "");
+  DataBuffer b, header;
+  LogText log;
+  for (const u64 length : {0xFFFFFFE0ull, 0xFFFFFFFFull, 0x100000000ull, 0x180000000ull}) {
+    std::filesystem::resize_file(path, length);
+    b.append("old", 3);
+    log.clear();
+    EXPECT_FALSE(b.loadFileUtf8(path.c_str(), &log)) << length;
+    EXPECT_LT(faults::lastAllocation(), 100'000u) << "it is refused before anything is asked for";
+    EXPECT_EQ(b.getData2(), nullptr);
+    EXPECT_NE(std::string(log.getText()).find(std::to_string(length)), std::string::npos);
+  }
+  constexpr s64 kGiB = s64{1} << 30;
+  std::fstream(path, std::ios::in | std::ios::out).seekp(5 * kGiB).write("far away", 8);
+  log.clear();
+  EXPECT_TRUE(b.loadFileChunk(path.c_str(), 5 * kGiB - 1, 10, log));
+  EXPECT_EQ(textOf(b), "\0far away\0"s);
+  EXPECT_TRUE(b.loadFileChunk(path.c_str(), 6 * kGiB - 5, 1000, log) && b.size() == 5);
+  EXPECT_FALSE(b.loadFileWithHeaderUtf8(path.c_str(), header, 100, log) || log.numErrors() != 0);
+  EXPECT_FALSE(b.loadCacheHeaderUtf8(path.c_str(), 100, log) || log.numErrors() != 1);
+}
+
+TEST(Load, RefusesWhatIsNoFile) {
+  const TempFolder folder;
+  mkfifo((folder / "pipe").c_str(), 0600);
+  std::filesystem::create_symlink("loop", folder / "loop");
+  const std::string paths[] = {folder / "missing",
+                               folder.path(),
+                               folder / "pipe",
+                               "/dev/zero",
+                               "",
+                               writeFile(folder / "f", kSample) + "/",
+                               folder / "loop",
+                               folder / std::string(300, 'n')};
+  const u32 before = faults::openDescriptors();
+  for (const std::string& path : paths)
+    for (const Loader& loader : kLoaders) {
+      DataBuffer b = bufferOf("old"), header = bufferOf("old");
+      LogText log;
+      EXPECT_FALSE(loader.load(b, header, path.c_str(), log)) << path;
+      EXPECT_TRUE(!b.getData2() && textOf(header) == "old") << path;
+      EXPECT_EQ(faults::openDescriptors(), before) << path;
+      if (&loader != kLoaders) continue;
+      EXPECT_EQ(log.numErrors(), 1u) << path << "\n" << log.getText();
+      EXPECT_EQ(std::string(log.getText()).rfind("loadFileX:\n", 0), 0u);
+    }
+  DataBuffer b = bufferOf("old");
+  LogNull log;
+  XString name;
+  name.setFromUtf8((folder / "f").c_str());
+  name.getUtf8Sb_rw().appendN("\0hidden", 7);
+  EXPECT_FALSE(b.loadFileUtf8(nullptr, nullptr) || b.getData2() || b.loadFileX(name, log));
+}
+
+TEST(Load, AsksForItsPermissionBeforeAllElse) {
+  const TempFolder folder;
+  const std::string path = writeFile(folder / "f", kSample);
+  for (const Loader& loader : kLoaders)
+    for (const bool mayRead : {false, true}) {
+      DataBuffer b = bufferOf("old"), header = bufferOf("old");
+      LogText log;
+      _vkFileSys::setPermissions(mayRead, !mayRead);
+      EXPECT_EQ(loader.load(b, header, path.c_str(), log), mayRead == loader.reads);
+      _vkFileSys::setPermissions(true, true);
+      EXPECT_EQ(textOf(b), mayRead == loader.reads ? loader.given : "old");
+      EXPECT_TRUE(mayRead == loader.reads || std::string(log.getText()).find("loadFile") == std::string::npos);
+    }
+}
+
+TEST(Load, KeepsWhatAFailedReadGave) {
+  const TempFolder folder;
+  const std::string path = writeFile(folder / "f", kSample);
+  const struct {
+    const char* what;
+    u32 loader, k;
+    bool forGood;
+    Fault fault;
+    std::string left;  // all, or it fails
+  } kCases[] = {
+      {"interrupted once", 0, 1, false, {Fault::kError, EINTR}, kSample},
+      {"short once", 0, 1, false, {Fault::kShort, 1}, kSample},
+      {"short for good", 0, 1, true, {Fault::kHalf, 0}, kSample},
+      {"error at once", 0, 1, false, {Fault::kError, EIO}, std::string(14, '\0')},
+      {"error half-way", 0, 1, false, {Fault::kBreak, EIO}, kSample.substr(0, 7) + std::string(7, '\0')},
+      {"end half-way", 0, 1, false, {Fault::kBreak, 0}, kSample.substr(0, 7) + std::string(7, '\0')},
+      {"end at once", 0, 1, false, {Fault::kNothing, 0}, std::string(14, '\0')},
+      {"error in the body", 1, 3, false, {Fault::kBreak, EIO}, "bo\0\0"s},
+      {"end in the body", 1, 3, false, {Fault::kBreak, 0}, "bo\0\0"s},
+  };
+  for (const auto& c : kCases) {
+    const Loader& loader = kLoaders[c.loader];
+    DataBuffer b, header = bufferOf("header");
+    LogText log;
+    const faults::FailCall fault(Call::kRead, c.k, c.forGood, c.fault);
+    EXPECT_EQ(loader.load(b, header, path.c_str(), log), c.left == loader.given) << c.what;
+    EXPECT_EQ(textOf(b), c.left) << c.what;
+    EXPECT_TRUE(b.getBufSize() == c.left.size() + loader.spare && endsInZeros(b)) << c.what;
+    EXPECT_EQ(textOf(header), "header");
+    EXPECT_EQ(log.numErrors(), c.left == loader.given ? 0u : 1u) << c.what;
+  }
+}
+
+// What a failure leaves is nothing, or what was read with zeros behind it.
+TEST(Load, SurvivesEachFailure) {
+  const TempFolder folder;
+  const std::string path = writeFile(folder / "f", kSample);
+  u32 struck = 0;
+  for (const Loader& loader : kLoaders) {
+    const auto load = [&] {
+      DataBuffer b = bufferOf("old"), header;
+      LogNull log;
+      const bool done = loader.load(b, header, path.c_str(), log);
+      const std::string left = textOf(b);
+      if (done || !b.getData2()) {
+        EXPECT_EQ(left, done ? loader.given : "");
+        return;
+      }
+      const auto read = std::min(left.find_last_not_of('\0') + 1, left.size());
+      EXPECT_TRUE(loader.leavesPart && left.size() == loader.given.size());
+      EXPECT_EQ(left.substr(0, read), loader.given.substr(0, read));
+    };
+    for (const bool forGood : {false, true})
+      for (const int error : {EIO, EACCES, EMFILE, ENOMEM})
+        struck += faults::strikeEach(Call::kAny, forGood, {Fault::kError, error}, load);
+    for (const Fault fault : {Fault{Fault::kError, EINTR}, Fault{Fault::kShort, 1}, Fault{Fault::kHalf, 0},
+                              Fault{Fault::kNothing, 0}, Fault{Fault::kBreak, EIO}})
+      struck += faults::strikeEach(Call::kAny, false, fault, load);
+  }
+  EXPECT_GE(struck, 120u);
+}
+
+// How many bytes of `content` a read of all of them put at an address `offset` bytes behind a page's start before its
+// `k`-th call of the system failed half-way.
+u32 readUntilFault(const std::string& path, const std::string& content, std::size_t offset, u32 k) {
+  XString name;
+  name.setFromUtf8(path.c_str());
+  LogNull log;
+  FileHandle file;
+  int error = -1;
+  EXPECT_TRUE(_vkFileSys::openFileForRead(file, name, false, error, log));
+  GuardedBytes memory(content.size() + 4096);
+  u8* area = memory.starting("") + offset;
+  u32 numRead = 0;
+  bool atEnd = false;
+  const faults::FailAllocation refused(k == 0 ? 1 : 0, true);
+  const faults::FailCall armed(Call::kRead, k, false, {Fault::kBreak, EIO});
+  const bool done = file.readBytesToBuf32(area, countOf(content), numRead, atEnd, log);
+  EXPECT_TRUE(done == !armed.struck() && done == (numRead == content.size()));
+  EXPECT_FALSE(atEnd);
+  EXPECT_EQ(std::memcmp(area, content.data(), numRead), 0);
+  return numRead;
+}
+
+// Where a large area begins decides how it is filled, not what comes of it; nor does memory that is not to be had.
+TEST(Load, ReadsLargeFilesToAnyAddress) {
+  const TempFolder folder;
+  const std::string content = randomBytes(9'000'001), path = writeFile(folder / "f", content);
+  for (const std::size_t offset : {0u, 1u, 16u, 64u, 100u}) {
+    EXPECT_EQ(readUntilFault(path, content, offset, 0), content.size());
+    EXPECT_GT(readUntilFault(path, content, offset, 1), 100'000u);
+    EXPECT_EQ(readUntilFault(path, content, offset, 1000), content.size());
+  }
+  EXPECT_GT(readUntilFault(path, content, 16, 20), 20 * 100'000u);
+}
+
+}  // namespace
