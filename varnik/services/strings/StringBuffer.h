@@ -115,7 +115,7 @@ class VARNIK_API StringBuffer {
   bool makeRoom(u32 n);
   void setEnd(u32 size) {
     size_ = size;
-    data_[size] = 0;
+    data_[size] = 0;  // NOLINT(clang-analyzer-core.NullDereference): where there is room there is a block
   }
   void release();
 
