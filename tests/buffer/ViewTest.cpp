@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <thread>
 #include <vector>
 
 #include "tests/support/Bytes.h"
+#include "tests/support/Soak.h"
 
 namespace {
 
@@ -82,34 +84,33 @@ TEST(View, MovesReplacesAndLogsOnlyTheContent) {
   EXPECT_EQ(b.getViewSize(), 0u);
 }
 
-// Several producers append records of one byte value each, of that many bytes; a consumer takes whole records.
+// Producers append records of one byte value each; consumers take whole records, which must not be torn, and none may
+// be lost or come twice.
 TEST(View, TearsNoRecordBetweenThreads) {
-  constexpr u32 kProducers = 4, kRecords = 20'000;
+  constexpr u32 kLength = 50;
+  const u32 numThreads = soaks() ? 8 : 3, each = soaks() ? 250'000 : 20'000;
   DataBufferView view;
-  std::vector<std::thread> producers;
-  for (u32 p = 0; p < kProducers; ++p)
-    producers.emplace_back([&view, p] {
-      for (u32 i = 0; i < kRecords; ++i) {
-        const u32 n = 1 + (i * 7 + p) % 100;
-        u8 record[100];
-        vk_memset(record, static_cast<int>(n), n);
-        view.append(record, n);
+  std::atomic<u32> torn = 0, left = numThreads * each, taken[256] = {};
+  std::vector<std::thread> threads;
+  for (u32 t = 0; t < numThreads; ++t) {
+    threads.emplace_back([&] {
+      for (u32 i = 0; i < each; ++i) view.append(std::string(kLength, static_cast<char>(i)).data(), kLength);
+    });
+    threads.emplace_back([&] {
+      for (u8 record[kLength]; left != 0;) {
+        if (!view.takeBytes(kLength, record)) {
+          std::this_thread::yield();
+          continue;
+        }
+        --left;
+        ++taken[record[0]];
+        for (const u8 byte : record) torn += byte != record[0];
       }
     });
-  u32 taken = 0, torn = 0;
-  while (taken < kProducers * kRecords) {
-    u8 first = 0;
-    if (!view.takeBytes(1, &first)) {
-      std::this_thread::yield();
-      continue;
-    }
-    u8 rest[100] = {};
-    if (first > 1 && !view.takeBytes(first - 1u, rest)) ++torn;  // a record arrives whole
-    for (u32 i = 0; i + 1 < first; ++i) torn += rest[i] != first;
-    ++taken;
   }
-  for (std::thread& p : producers) p.join();
+  for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(torn, 0u);
+  for (u32 value = 0; value < 256; ++value) EXPECT_EQ(taken[value], numThreads * ((each - value + 255) / 256)) << value;
   EXPECT_EQ(view.getViewSize(), 0u);
 }
 

@@ -6,11 +6,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <set>
 
 #include "tests/support/Allocations.h"
 #include "tests/support/Bytes.h"
+#include "tests/support/Soak.h"
 #include "tests/support/SystemCalls.h"
 
 namespace {
@@ -89,6 +92,15 @@ DataBuffer encrypted(std::string_view plain, DataBuffer& key) {
   EXPECT_TRUE(SymmetricCrypt::encryptBytes(256, nullptr, key, bytesOf(plain), countOf(plain), out, log));
   EXPECT_STREQ(log.getText(), "");
   return out;
+}
+
+TEST(SymmetricCrypt, GivesNoInitialisationVectorTwice) {
+  DataBuffer key = bufferOf("0123456789abcdef0123456789abcdef");
+  const u32 numDrawn = soaks() ? 10'000'000 : 20'000;
+  std::vector<std::array<char, 12>> drawn(numDrawn);
+  for (auto& vector : drawn) std::memcpy(vector.data(), encrypted("", key).getData2(), vector.size());
+  std::sort(drawn.begin(), drawn.end());
+  EXPECT_EQ(std::adjacent_find(drawn.begin(), drawn.end()), drawn.end());
 }
 
 // The plaintext, or "(refused)" when the answer is false with `out` empty and one error told.

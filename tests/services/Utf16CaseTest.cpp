@@ -89,7 +89,7 @@ TEST(Utf16Search, FindsEveryUnitInEachOfItsCases) {
 }
 
 TEST(Utf16Search, AgreesWithThePlainSearch) {
-  std::mt19937 next(7);
+  std::mt19937 next = generator(7);
   constexpr char16_t kLetters[] = u"aAbB\u00E9\u00C9\u03A3\u03C3\u03C2kK\u212A";
   for (u32 round = 0; round < 20'000; ++round) {
     const auto letters = 2 + next() % 11;  // few letters make many near misses

@@ -193,7 +193,7 @@ TEST(CodecKernels, DecodeBase64Lines) {
 
 TEST(CodecKernels, GatherWhatIsNoWhiteSpace) {
   constexpr std::string_view kChars = "aB3 \t\n\v\f\r\x08\x0E\x1F!\x80\xA0\x89=&";
-  std::mt19937 engine(5);
+  std::mt19937 engine = generator(5);
   const auto next = [&] { return static_cast<u32>(engine()); };
   GuardedBytes in(kMost), out(2 * kMost);
   for (u32 round = 0; round < 20000; ++round) {

@@ -48,7 +48,7 @@ std::string pieces(u32 seed, u32 count, bool withBad) {
                                       "\x7F\u0080\u07FF\u0800\uFFFF"};
   static const std::string kBad[] = {"\x80",         "\xC3",     "\xE2\x82",         "\xF0\x9F\x98",
                                      "\xED\xA0\x80", "\xC0\xAF", "\xF4\x90\x80\x80", "\xFF"};
-  std::mt19937 next(seed);
+  std::mt19937 next = generator(seed);
   std::string text;
   for (u32 i = 0; i < count; ++i)
     text += withBad && next() % 8 == 0 ? kBad[next() % std::size(kBad)] : kGood[next() % std::size(kGood)];

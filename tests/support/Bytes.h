@@ -3,10 +3,10 @@
 
 #include <cstring>
 #include <initializer_list>
-#include <random>
 #include <string>
 #include <string_view>
 
+#include "tests/support/Random.h"
 #include "varnik/Varnik.h"
 
 /// A buffer that holds the given bytes.
@@ -56,7 +56,7 @@ inline u32 countOf(std::string_view s) {
 
 /// `n` random bytes, the same for the same seed.
 inline std::string randomBytes(std::size_t n, u32 seed = 1) {
-  std::mt19937 next(seed);
+  std::mt19937 next = generator(seed);
   std::string bytes(n, '\0');
   for (char& c : bytes) c = static_cast<char>(next());
   return bytes;
