@@ -14,7 +14,9 @@ namespace {
 constexpr std::size_t kHead = 16;  // in front of each block: its size
 
 void* allocate(std::size_t n) {
+  const auto handler = std::set_new_handler(nullptr);  // a C library knows none
   auto* const block = static_cast<u8*>(::operator new(n + kHead, std::nothrow));
+  std::set_new_handler(handler);
   if (!block) return nullptr;
   std::memcpy(block, &n, sizeof n);
   return block + kHead;

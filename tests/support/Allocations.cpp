@@ -16,11 +16,20 @@ thread_local u32 watchedSize = 0;
 thread_local bool wasReleased = false;
 thread_local u8 seen[64];
 
+// As the standard operators do; a handler that could find memory is not among us.
+void tellHandler() noexcept {
+  try {
+    if (const auto handler = std::get_new_handler()) handler();
+  } catch (const std::bad_alloc&) {
+  }
+}
+
 void* allocate(std::size_t n) noexcept {
   if (countdown != 0) {
     if (countdown == 1) {
       hasStruck = true;
       if (!refusesForGood) countdown = 0;
+      tellHandler();
       return nullptr;
     }
     --countdown;

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "tools/vkbuf/Job.h"
+#include "tools/vkbuf/Memory.h"
 #include "tools/vkbuf/Progress.h"
 
 namespace {
@@ -17,6 +18,7 @@ bool looksLikeText(const u8* data, std::size_t n) {
 }
 
 void writeStandard(const Job& job, const void* data, std::size_t n) {
+  checkMemory();
   if (!vk_files::writeWhole(STDOUT_FILENO, data, n)) job.failOn("standard output", std::strerror(errno));
 }
 

@@ -5,6 +5,7 @@
 #include <initializer_list>
 
 #include "tools/vkbuf/Job.h"
+#include "tools/vkbuf/Memory.h"
 
 namespace {
 
@@ -77,9 +78,11 @@ void Saver::fail() const {
 }
 
 void Saver::write(const void* data, std::size_t n) {
+  checkMemory();
   if (!file_.write(data, n)) fail();
 }
 
 void Saver::commit() {
+  checkMemory();
   if (!file_.commit()) fail();
 }

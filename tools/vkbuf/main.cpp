@@ -10,6 +10,7 @@
 
 #include "tools/vkbuf/CommandLine.h"
 #include "tools/vkbuf/Job.h"
+#include "tools/vkbuf/Memory.h"
 #include "tools/vkbuf/Nearest.h"
 #include "tools/vkbuf/Progress.h"
 
@@ -86,13 +87,18 @@ void occupyStandardStreams() {
 
 int main(int argc, char** argv) {
   occupyStandardStreams();
+  watchMemory();
   try {
-    return runTool(argc, argv);
+    const int status = runTool(argc, argv);
+    checkMemory();
+    return status;
   } catch (const Failure& failure) {
-    say(failure);
-    return failure.status;
+    if (!memoryRanOut()) {
+      say(failure);
+      return failure.status;
+    }
   } catch (const std::bad_alloc&) {
-    say(std::string("out of memory"));
-    return kFailed;
   }
+  say(std::string("out of memory"));  // short enough to need none
+  return kFailed;
 }
