@@ -224,6 +224,7 @@ TEST(Storage, RefusesADestroyedObject) {
       {"copy", [&] { return b->copy(other), false; }},
       {"copyData", [&] { return b->copyData("abc", 3), false; }},
       {"append", [&] { return b->append("abc", 3); }},
+      {"appendEncodedById", [&] { return b->appendEncodedById("41", 3); }},
       {"appendReverse", [&] { return b->appendReverse("abc", 3, true); }},
       {"appendChar", [&] { return b->appendChar('x'); }},
       {"appendChar2", [&] { return b->appendChar2('x', 'y'); }},

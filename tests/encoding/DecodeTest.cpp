@@ -1,6 +1,7 @@
 // Texts under every decoder: the bytes, where the fault is said to be, and what is left before it.
 #include <gtest/gtest.h>
 
+#include "tests/support/Allocations.h"
 #include "tests/support/Bytes.h"
 #include "tests/support/GuardedBytes.h"
 #include "varnik/encoding/internal/DecodeText.h"
@@ -20,39 +21,14 @@ const struct {
   std::vector<std::string_view> cases;  // the text, |, the bytes and, where there is a fault, | and its place
 } kTexts[] = {
     // Padding, white space, the references to CR, spare bits.
+    {1, {"QQ|A",        "QQ=|A",          "QQ= =\r\n|A",  " Q\tQ\v=\f=\n|A", "QQ===|A|4",
+         "QUI==|AB",    "QUJD=|ABC",      "QUJD==|ABC",   "QUJD===|ABC|6",   "=|",
+         "===||2",      " \r\n|",         "Q||0",         "QUJDQ===|ABC|4",  "QUJD\r\nQ\r\n|ABC|6",
+         "QR==||1",     "QUJDQUJ=|ABC|6", "QQ==QQ==|A|4", "QQ==\nQQ==|A|5",  "QQ=A|A|3",
+         "QUJD!|ABC|4", "QU!D||2",        "Q!&||1",       "Q!=||1"}},
     {1,
-     {"QQ|A",
-      "QQ=|A",
-      "QQ= =\r\n|A",
-      " Q\tQ\v=\f=\n|A",
-      "QQ===|A|4",
-      "QUI==|AB",
-      "QUJD=|ABC",
-      "QUJD==|ABC",
-      "QUJD===|ABC|6",
-      "=|",
-      "===||2",
-      " \r\n|",
-      "Q||0",
-      "QUJDQ===|ABC|4",
-      "QUJD\r\nQ\r\n|ABC|6",
-      "QR==||1",
-      "QUJDQUJ=|ABC|6",
-      "QQ==QQ==|A|4",
-      "QQ==\nQQ==|A|5",
-      "QQ=A|A|3",
-      "QUJD!|ABC|4",
-      "QU!D||2",
-      "Q!&||1",
-      "Q!=||1",
-      "QUJD&#xD;\nQUJD&#13;|ABCABC",
-      "Q&#xD;U&#13;&#xD;JD|ABC",
-      "QQ=&#xD;=&#xD;\n|A",
-      "QUJD&|ABC|4",
-      "QUJD&#xD|ABC|4",
-      "QUJD&#xd;|ABC|4",
-      "QQ==&#10;|A|4",
-      "Pz8-Pg||3"}},
+     {"QUJD&#xD;\nQUJD&#13;|ABCABC", "Q&#xD;U&#13;&#xD;JD|ABC", "QQ=&#xD;=&#xD;\n|A", "QUJD&|ABC|4", "QUJD&#xD|ABC|4",
+      "QUJD&#xd;|ABC|4", "QQ==&#10;|A|4", "Pz8-Pg||3"}},
     {24, {"QUI|AB", "QUJD!|ABC|4"}},
     {20, {"Pz8-Pg|\x3F\x3F>>", "_-Aa|\xFF\xE0\x1A", "QR||1"}},
     {10, {"Pz8+Pg==|\x3F\x3F>>", "QQ=D|A|3"}},
@@ -80,7 +56,8 @@ const struct {
     {4, {"%|%", "a%4|a%4", "%4g%zz|%4g%zz", "%%41|%A", "%4%41|%4A", "a+b|a+b", "%c3%A9|\xC3\xA9", "%2541|%41"}},
     // Pairs join, lone surrogates are replaced, a zero byte ends the text, a broken escape stays.
     {22,
-     {"\\\"\\\\\\/\\b\\f\\n\\r\\t|\"\\/\b\f\n\r\t", "\\u0041\\u00e9\\u20AC|A\u00E9\u20AC", "\\ud83d\\ude00|\U0001F600",
+     {"|", "\\ud83d\\nabcd|\uFFFD\nabcd", "\\\"\\\\\\/\\b\\f\\n\\r\\t|\"\\/\b\f\n\r\t",
+      "\\u0041\\u00e9\\u20AC|A\u00E9\u20AC", "\\ud83d\\ude00|\U0001F600",
       "\\udbff\\udfff\\ud800\\udc00|\U0010FFFF\U00010000", "\\ud83dx\\ude00|\uFFFDx\uFFFD",
       "\\ud83d\\ud83d\\ude00|\uFFFD\U0001F600", "\\ud83d\\u0041\\ud83d|\uFFFDA\uFFFD", "ab\\u0000cd|ab",
       "a\\qb\\x|a\\qb\\x|1", "ab\\|ab\\|2", "\\u12g4\\u|\\u12g4\\u|0", "\\ud83d\\ude0|\uFFFD\\ude0|6"}},
@@ -98,7 +75,7 @@ const struct {
       "=?iso-8859-1?q?=E9?= =?utf-8?q?=C3=A9?=|\u00E9\u00E9", "=?utf-8?q?a b=?=|a b=", "=?utf-8?q?\?=x|x",
       "=?utf-8?b?QQ?=|A", "a =? b ?= =?utf-8?z?a?= =?x?|a =? b ?= =?utf-8?z?a?= =?x?",
       "=?utf-8?q?a\r\nb?=|=?utf-8?q?a\r\nb?=", "=?x-none?q?a?= =?utf-8?q?b?=|=?x-none?q?a?= b|0",
-      "x =?utf-8?b?QUJD!?= y|x ABC y|16", "a =?us-ascii?q?=FF?=|a \uFFFD|2"}},
+      "x =?utf-8?b?QUJD!?= y|x ABC y|16", "=?utf-8?q?a=4gb?=|a=4gb", "a =?us-ascii?q?=FF?=|a \uFFFD|2"}},
     // A count against its line, what is lost on the way, no end.
     {37,
      {"Hello,\nbegin to read\nbegin 644 /etc/passwd\n#0V%T\n`\nend\n-- \nme|Cat",
@@ -162,16 +139,18 @@ TEST(Decode, KnowsNamesCharsetsAndNothing) {
     const char *name, *text;
     std::string_view bytes;
     bool ok = true;
-  } kNamed[] = {{" BASE64 ", " QUI\r\n", "AB"},
-                {"base64_crEntity", "QUI=&#xD;\n", "AB"},
-                {"ISO-8859-1", "\u00E9", "\xE9"},
-                {" Latin1 ", "\u00E9", "\xE9"},
-                {"such-a-name", "as is", "as is"},
-                {"such-a-name", "", ""},
-                {"hex", nullptr, ""},
-                {nullptr, nullptr, ""},
-                {nullptr, "41", "", false},
-                {nullptr, "", "", false}};
+  } kNamed[] = {
+      {" BASE64 ", " QUI\r\n", "AB"},
+      {"base64_crEntity", "QUI=&#xD;\n", "AB"},
+      {"ISO-8859-1", "\u00E9", "\xE9"},
+      {" Latin1 ", "\u00E9", "\xE9"},
+      {"such-a-name", "as is", "as is"},
+      {"such-a-name", "", ""},
+      {"hex", nullptr, ""},
+      {nullptr, nullptr, ""},
+      {nullptr, "41", "", false},
+      {nullptr, "", "", false},
+  };
   for (const auto& c : kNamed) {
     DataBuffer out = bufferOf("held");
     EXPECT_EQ(out.appendEncoded(c.text, c.name), c.ok) << c.bytes;
@@ -185,6 +164,8 @@ TEST(Decode, KnowsNamesCharsetsAndNothing) {
 }
 
 TEST(Decode, ReadsFromTheBufferItWritesTo) {
+  DataBuffer bad = bufferOf("4z\0"sv);
+  EXPECT_FALSE(bad.appendEncodedById(reinterpret_cast<const char*>(bad.getData2()), 3));
   for (const auto& [text, id] : {std::pair("QUJD", 1), std::pair("414243", 3), std::pair("65,66,67", 23),
                                  std::pair("ABC", 0), std::pair("\\u0041BC", 22), std::pair("ABC", 28591)}) {
     const std::string given = std::string(text).append(1, '\0');
@@ -192,6 +173,8 @@ TEST(Decode, ReadsFromTheBufferItWritesTo) {
     out.minimizeMemoryUsage();
     ASSERT_TRUE(out.appendEncodedById(reinterpret_cast<const char*>(out.getData2()), id)) << id;
     EXPECT_EQ(textOf(out), given + "ABC") << id;
+    const faults::FailAllocation all(1, true);
+    EXPECT_FALSE(out.appendEncodedById(reinterpret_cast<const char*>(out.getData2()), id)) << id;
   }
 }
 

@@ -48,7 +48,10 @@ TEST(Hex, RendersLines) {
       const std::string bytes = randomBytes(n, n);
       EXPECT_EQ(linesOf(bytes, perLine), slowLines(bytes, perLine)) << n << " bytes, " << perLine << " a line";
     }
-  EXPECT_EQ(linesOf("", 4), "");
+  DataBuffer cleared = bufferOf("x");
+  StringBuffer out;
+  cleared.clear(), cleared.toHexLines(out, 4), DataBuffer().toHexLines(out, 4);
+  EXPECT_TRUE(out.isEmpty());
 }
 
 TEST(Hex, RendersTheStringItself) {

@@ -89,6 +89,10 @@ std::vector<Operation> encodingOperations() {
                       const bool done = s.source.parseDataEnc(at, 900, "base64", s.text);
                       return at == (done ? 910u : 10u) && done;
                     })),
+      extending("decode words in text",
+                [text = std::string(30'000, 'x') + "=?utf-8?q?word?=" + std::string(30'000, 'y')](Scene& s) {
+                  return s.buffer.appendEncoded(text.c_str(), "q");
+                }),
       alwaysTrue(extending("appendDecList", [](Scene& s) { return s.buffer.appendDecList("1, 2 3,255"); })),
       extending("toHexString", [](Scene& s) { s.source.toHexString(s.text); }),
       extending("toHexLines", [](Scene& s) { s.source.toHexLines(s.text, 16); }),

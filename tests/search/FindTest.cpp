@@ -40,6 +40,7 @@ TEST(Find, TakesNullsAndNegativeLengths) {
   EXPECT_EQ(full.findBytes(a, -1), nullptr);
   EXPECT_EQ(full.findBytesIdx(a, -1, found, 0), 0U);
   EXPECT_FALSE(found);
+  EXPECT_EQ(none.findBytesIdx(a, 0, found, 0), 0U);
   EXPECT_FALSE(none.beginsWith(a, 0));
   EXPECT_TRUE(cleared.beginsWith(nullptr, 0));
   EXPECT_FALSE(full.beginsWith(a, -1));

@@ -42,6 +42,7 @@ TEST(StringBuffer, Edits) {
   } kCases[] = {
       {"shorter", "abc", [](StringBuffer& s) { s.shorten(1); }, "ab"},
       {"much shorter", "abc", [](StringBuffer& s) { s.shorten(9); }, ""},
+      {"trimmed but for other controls", " \x08 ", [](StringBuffer& s) { s.trim2(); }, "\x08"},
       {"trimmed", " \t\r\n\v\fa b \n", [](StringBuffer& s) { s.trim2(); }, "a b"},
       {"trimmed to nothing", " \t ", [](StringBuffer& s) { s.trim2(); }, ""},
       {"lower case", "AZaz[@\xC4", [](StringBuffer& s) { s.toLowerCase(); }, "azaz[@\xC4"},
@@ -63,12 +64,14 @@ TEST(StringBuffer, Edits) {
 
 TEST(StringBuffer, Compares) {
   const StringBuffer s("Base64"), empty;
-  EXPECT_TRUE(s.equals("Base64") && s.equalsIgnoreCase("bASE64") && s.equalsIgnoreCase2("base64url", 6));
+  EXPECT_TRUE(s.equals("Base64") && s.equalsIgnoreCase("bASE64") && s.equalsIgnoreCase2("base64url", 6) &&
+              empty.equalsIgnoreCase2(nullptr, 0));
   EXPECT_FALSE(s.equals("base64") || s.equals("Base6") || s.equals(nullptr) || s.equalsIgnoreCase("base6") ||
-               s.equalsIgnoreCase2("base64", 5));
+               s.equalsIgnoreCase2("base64", 5) || s.equalsIgnoreCase2("base65", 6));
   EXPECT_TRUE(s.beginsWith("Bas") && s.beginsWith("") && s.beginsWithIgnoreCase("BAS") && empty.equals(nullptr) &&
               empty.equals(""));
-  EXPECT_FALSE(s.beginsWith("bas") || s.beginsWith("Base644") || s.beginsWithIgnoreCase("Base644"));
+  EXPECT_FALSE(s.beginsWith("bas") || s.beginsWith("Base644") || s.beginsWithIgnoreCase("Base644") ||
+               s.beginsWithIgnoreCase("bat"));
   EXPECT_FALSE(StringBuffer("[").equalsIgnoreCase("{"));  // only letters have case
 }
 
@@ -82,7 +85,8 @@ TEST(StringBuffer, HandsItsStorageOver) {
   delete[] block;
   EXPECT_TRUE(s.isEmpty() && s.append("new"));
 
-  StringBuffer copy(s), moved(std::move(s));
+  StringBuffer copy("old"), moved;
+  copy = s, moved = std::move(s);
   EXPECT_TRUE(copy.equals("new") && moved.equals("new"));
   EXPECT_TRUE(s.isEmpty());  // NOLINT(bugprone-use-after-move): moved-from is empty
   const StringBuffer& itself = copy;

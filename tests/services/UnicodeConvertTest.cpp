@@ -38,36 +38,36 @@ TEST(Unicode, EveryCharacterGoesThroughEveryForm) {
 
 // A bad text as hex; what it is as UTF-8, with "?" for each U+FFFD: parts that are alone, cut off, overlong,
 // surrogates, above U+10FFFF, and the standard's own example.
-constexpr struct {
+const struct {
   s32 form;
-  const char *hex, *text;
-} kBroken[] = {{65001, "80", "?"},
-               {65001, "41 C2", "A?"},
-               {65001, "C2 41", "?A"},
-               {65001, "C0 80", "??"},
-               {65001, "ED BF BF 42", "???B"},
-               {65001, "F4 90 80 80", "????"},
-               {65001, "E2 82", "?"},
-               {65001, "F0 9F 98", "?"},
-               {65001, "F1 80 80 C2 80", "?\u0080"},
-               {65001, "61 F1 80 80 E1 80 C2 62 80 63 80 BF 64", "a???b?c??d"},
-               {65001, "41 C2 C3 B1 42", "A?\u00F1B"},
-               {1200, "41", "?"},
-               {1200, "41 00 42", "A?"},
-               {1200, "00 D8", "?"},
-               {1200, "00 D8 41", "?"},
-               {1200, "00 D8 41 00", "?A"},
-               {1200, "00 DC 41 00", "?A"},
-               {1200, "00 DC 00 D8 41 00", "??A"},
-               {1200, "00 D8 00 D8 00 DC", "?\U00010000"},
-               {1201, "DC 00 00 41", "?A"},
-               {1201, "D8 00 00", "?"},
-               {12000, "00 D8 00 00 41 00 00 00", "?A"},
-               {12000, "00 00 11 00", "?"},
-               {12000, "41 00 00 80", "?"},
-               {12000, "41 00 00 00 41 00 00", "A?"},
-               {12001, "00 00 00 41 00", "A?"},
-               {12001, "FF FF FF FF", "?"}};
+  std::vector<std::pair<const char*, const char*>> cases;  // the bytes, the text
+} kBroken[] = {
+    {65001,
+     {{"80", "?"},
+      {"41 C2", "A?"},
+      {"C2 41", "?A"},
+      {"C0 80", "??"},
+      {"ED BF BF 42", "???B"},
+      {"F4 90 80 80", "????"},
+      {"E2 82", "?"},
+      {"F0 9F 98", "?"},
+      {"F1 80 80 C2 80", "?\u0080"},
+      {"61 F1 80 80 E1 80 C2 62 80 63 80 BF 64", "a???b?c??d"},
+      {"41 C2 C3 B1 42", "A?\u00F1B"}}},
+    {1200,
+     {{"41", "?"},
+      {"41 00 42", "A?"},
+      {"00 D8", "?"},
+      {"00 D8 41", "?"},
+      {"00 D8 41 00", "?A"},
+      {"00 DC 41 00", "?A"},
+      {"00 DC 00 D8 41 00", "??A"},
+      {"00 D8 00 D8 00 DC", "?\U00010000"}}},
+    {1201, {{"DC 00 00 41", "?A"}, {"D8 00 00", "?"}}},
+    {12000,
+     {{"00 D8 00 00 41 00 00 00", "?A"}, {"00 00 11 00", "?"}, {"41 00 00 80", "?"}, {"41 00 00 00 41 00 00", "A?"}}},
+    {12001, {{"00 00 00 41 00", "A?"}, {"FF FF FF FF", "?"}}},
+};
 
 std::string withReplacements(std::string_view text) {
   std::string out;
@@ -78,22 +78,18 @@ std::string withReplacements(std::string_view text) {
 // Each at every distance from the start of a long text and from its end: in the middle of blocks, across their borders,
 // and in what is left behind the last.
 TEST(Unicode, EachMaximalBadPartBecomesOneReplacement) {
-  for (const auto& c : kBroken) {
-    const std::string bad = fromHex(c.hex), text = withReplacements(c.text);
-    const bool atEnd = convert(c.form, 65001, bad + convert(65001, c.form, "A").text).text != text + "A";
-    for (u32 before = 0; before < 70; ++before) {
-      const std::string head = std::string(before / 2, 'x') + (before % 2 ? "\xC3\xA9" : "");
-      const std::string head8 = convert(65001, c.form, head).text;
-      const std::string tail = atEnd ? "" : std::string(before % 3 * 40, 'y');
-      const std::string tail8 = convert(65001, c.form, tail).text;
-      const Converted want{head + text + tail, false};
-      const Converted got = convert(c.form, 65001, head8 + bad + tail8);
-      ASSERT_EQ(got.text, want.text) << c.hex << ", " << before;
-      ASSERT_EQ(got.good, want.good) << c.hex;
-      for (const s32 to : kForms)
-        ASSERT_EQ(convert(c.form, to, head8 + bad + tail8).text, convert(65001, to, want.text).text) << c.hex << to;
+  for (const auto& [form, cases] : kBroken)
+    for (const auto& [hex, shown] : cases) {
+      const std::string bad = fromHex(hex), text = withReplacements(shown);
+      const bool atEnd = convert(form, 65001, bad + convert(65001, form, "A").text).text != text + "A";
+      for (u32 before = 0; before < 70; ++before) {
+        const std::string head = std::string(before / 2, 'x') + (before % 2 ? "\xC3\xA9" : "");
+        const std::string tail = atEnd ? "" : std::string(before % 3 * 40, 'y'), want = head + text + tail;
+        const std::string given = convert(65001, form, head).text + bad + convert(65001, form, tail).text;
+        for (const s32 to : kForms)
+          ASSERT_EQ(convert(form, to, given), (Converted{convert(65001, to, want).text, false})) << hex << ' ' << to;
+      }
     }
-  }
 }
 
 TEST(Unicode, DropsOneByteOrderMarkAtTheHeadOnly) {
@@ -121,13 +117,14 @@ Converted byName(const char* name, s32 to, std::string_view text) {
 }
 
 TEST(Unicode, NamesWithoutAByteOrderGoByTheMark) {
-  EXPECT_EQ(byName("UTF-16", 65001, fromHex("FEFF 0041")), (Converted{"A", true}));
-  EXPECT_EQ(byName("utf-16", 65001, fromHex("FFFE 4100")), (Converted{"A", true}));
-  EXPECT_EQ(byName("utf-16", 65001, fromHex("4100")), (Converted{"A", true}));
-  EXPECT_EQ(byName("utf-32", 65001, fromHex("0000FEFF 00000041")), (Converted{"A", true}));
-  EXPECT_EQ(byName("utf-32", 65001, fromHex("41000000")), (Converted{"A", true}));
-  EXPECT_EQ(byName("utf-16be", 65001, fromHex("0041")), (Converted{"A", true}));
-  EXPECT_EQ(byName(" Latin1 ", 65001, "\xE9"), (Converted{"\xC3\xA9", true}));
+  for (const auto& [name, hex] : {std::pair{"UTF-16", "FEFF 0041"},
+                                  {"utf-16", "FFFE 4100"},
+                                  {"utf-16", "4100"},
+                                  {"utf-32", "0000FEFF 00000041"},
+                                  {"utf-32", "41000000"},
+                                  {"utf-16be", "0041"},
+                                  {" Latin1 ", "41"}})
+    EXPECT_EQ(byName(name, 65001, fromHex(hex)), (Converted{"A", true})) << name << hex;
   EXPECT_EQ(byName("nothing", 65001, "A"), (Converted{"", false}));
 }
 

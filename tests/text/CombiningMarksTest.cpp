@@ -72,9 +72,8 @@ TEST(CombiningMarks, AgreesWithTheSlowModel) {
       given += '\xCC';
       given += random.text(1, "\x80\x81\x82\x83\x84\x88\x8A\xA6\xA7");
     }
-    if (given.empty()) continue;
     DataBuffer b;
-    b.borrowData(area.ending(given), countOf(given));
+    if (!given.empty()) b.borrowData(area.ending(given), countOf(given));
     b.consumeUtf8CombiningMarks();
     ASSERT_EQ(textOf(b), model(given)) << "seed " << seed;
   }

@@ -45,7 +45,9 @@ TEST(Unicode, DetectsTheObviousCodePage) {
       {zerosAt(2500, 0, 1000) + zerosAt(2500, 1, 33), 1200},
   };
   for (const auto& c : kCases) EXPECT_EQ(bufferOf(c.text).detectObviousCodePage(), c.codePage) << c.text.size();
-  EXPECT_EQ(DataBuffer().detectObviousCodePage(), -1);
+  DataBuffer cleared = bufferOf("x");
+  cleared.clear();
+  EXPECT_TRUE(cleared.detectObviousCodePage() == -1 && DataBuffer().detectObviousCodePage() == -1);
 }
 
 TEST(Unicode, Is7bit) {

@@ -102,8 +102,10 @@ TEST(XmlCharset, WorksOnBorrowedStorage) {
   std::string text = convert(65001, 28591, document("encoding='latin1'")).text, before = text;
   DataBuffer b;
   b.borrowData(text.data(), countOf(text));
-  LogNull log;
+  LogText log;
+  log.setVerbose(true);
   EXPECT_TRUE(b.convertXmlToUtf8(log));
+  EXPECT_NE(std::string(log.getText()).find("charset: iso-8859-1"), std::string::npos);
   EXPECT_EQ(textOf(b), document("encoding='latin1'"));
   EXPECT_EQ(text, before);
 }

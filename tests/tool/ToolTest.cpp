@@ -116,16 +116,6 @@ TEST(Tool, ExplainsWhatItHas) {
   }
 }
 
-// Every encoding that the tool lists brings bytes back, but for what it says about the way back.
-TEST(Tool, BringsBackWhatEveryNameEncodes) {
-  const Desk desk;
-  EXPECT_EQ(desk.run("vkbuf names --plain | wc -l").out, "26\n");
-  const Ran ran = desk.run(
-      "vkbuf random 4000 | vkbuf clean --nulls -o data; for name in $(vkbuf names --plain); do "
-      "test $name = qp-N && name=qp-40; vkbuf encode $name data -o text && vkbuf decode $name text | cmp - data; done");
-  EXPECT_EQ(ran.out + ran.err, "");
-}
-
 // A stream of any length needs no more than 16 MiB. The tool is started by a program that needs less itself.
 TEST(Tool, StreamsInLittleMemory) {
 #ifdef SANITIZED

@@ -169,5 +169,5 @@ bool DataBuffer::appendEncodedById(const char* text, s32 id) {
 }
 
 bool DataBuffer::appendDecList(const char* text) {
-  return !text || *text == 0 || appendEncodedById(text, 23);
+  return appendEncodedById(text, 23);
 }

@@ -36,13 +36,12 @@ u32 DataBuffer::replaceUnicodeString(XString& find, XString& replacement) {
 }
 
 u32 DataBuffer::replaceAllOccurancesUtf16NoCase(XString& find, XString& replacement) {
-  constexpr u32 kMostUnits = 0x7FFFFFFF;  // what a buffer can hold
   if (find.isEmpty()) return 0;
   // The units of one string given twice are asked for once: the second call might move them.
   const u16* pattern = find.getUtf16_xe();
   const u16* with = &replacement == &find ? pattern : replacement.getUtf16_xe();
   const u32 patternLen = find.getNumChars(), withLen = replacement.getNumChars();
-  if (!pattern || !with || patternLen > size_ / 2 || withLen > kMostUnits) return 0;
+  if (!pattern || !with || patternLen > size_ / 2) return 0;
 
   DataBuffer result;
   result.secure = secure;

@@ -131,19 +131,10 @@ namespace {
   putBase45Scalar(from, pairs, out);
 }
 
-// A block that is not plain goes group by group, after which blocks are tried again.
+// A block with a bad group goes group by group, up to it.
 [[VARNIK_AVX2]] u32 readBase45Avx2(const u8* text, u32 n, u8* out) {
-  constexpr u32 kBlock = 8;
   u32 groups = 0;
-  while (n - 3 * groups >= 28) {
-    if (read24(text + 3 * groups, out + 2 * groups)) {
-      groups += kBlock;
-      continue;
-    }
-    const u32 block = readBase45Scalar(text + 3 * groups, 3 * kBlock, out + 2 * groups);
-    groups += block;
-    if (block < kBlock) return groups;
-  }
+  while (n - 3 * groups >= 28 && read24(text + 3 * groups, out + 2 * groups)) groups += 8;
   return groups + readBase45Scalar(text + 3 * groups, n - 3 * groups, out + 2 * groups);
 }
 #endif

@@ -26,8 +26,9 @@ void encodeGroup(const u8* in, bool url, char* out) {
   for (u32 k = 0; k < 4; ++k) out[k] = letter(bits >> (18 - 6 * k), url);
 }
 
+// The last group of one or two bytes.
 void pad(u32 bytesOfLastGroup, char* group) {
-  if (bytesOfLastGroup < 3) group[3] = '=';
+  group[3] = '=';
   if (bytesOfLastGroup < 2) group[2] = '=';
 }
 

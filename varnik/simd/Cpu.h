@@ -30,7 +30,7 @@ namespace vk_simd {
 /// may still answer false, which costs time only.
 inline bool hasAvx2() {
 #if VARNIK_HAVE_AVX2
-  return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi2");
+  return (__builtin_cpu_supports("avx2") != 0) & (__builtin_cpu_supports("bmi2") != 0);
 #else
   return false;
 #endif
@@ -40,8 +40,8 @@ inline bool hasAvx2() {
 /// clock its use lowered.
 inline bool hasAvx512() {
 #if VARNIK_HAVE_AVX512
-  return __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vl") &&
-         __builtin_cpu_supports("avx512vbmi") && __builtin_cpu_supports("avx512vbmi2");
+  return (__builtin_cpu_supports("avx512bw") != 0) & (__builtin_cpu_supports("avx512vl") != 0) &
+         (__builtin_cpu_supports("avx512vbmi") != 0) & (__builtin_cpu_supports("avx512vbmi2") != 0);
 #else
   return false;
 #endif

@@ -123,20 +123,18 @@ constexpr u32 kRoom = 64;  // what a block may write
   return true;
 }
 
-[[VARNIK_AVX2]] inline bool takeCharacters(UtfCursor& c, const SingleByteCharset& to) {
+[[VARNIK_AVX2]] inline void takeCharacters(UtfCursor& c, const SingleByteCharset& to) {
   const bool hasLatin = to.latinFrom <= 0xFF;
-  bool fits = true;
   Stretch s(c);
-  for (u32 ascii = 0; fits && ascii < kAsciiRun && s.left >= kBlock && s.room >= kRoom;) {
+  for (u32 ascii = 0; ascii < kAsciiRun && s.left >= kBlock && s.room >= kRoom;) {
     const __m256i block = loadBlock(s.in);
     ascii = bitsOf(block) == 0 ? ascii + 1 : 0;
     if (hasLatin && putLatinBytes(s, to, block, 0)) continue;
     s.save(c);
-    fits = utf8ToBytes(c, to, c.read + kBlock);
+    utf8ToBytes(c, to, c.read + kBlock);  // there is room for whatever a block becomes
     s = Stretch(c);
   }
   s.save(c);
-  return fits;
 }
 
 [[VARNIK_AVX2]] inline void takeLastCharacters(UtfCursor& c, const SingleByteCharset& to) {
@@ -180,7 +178,7 @@ constexpr u32 kRoom = 64;  // what a block may write
   UtfCursor c{data, n, out, room};
   while (to.ascii && c.left() >= kBlock && c.roomLeft() >= kRoom) {
     copyAscii(c);
-    if (!takeCharacters(c, to)) break;
+    takeCharacters(c, to);
   }
   takeLastCharacters(c, to);
   utf8ToBytes(c, to, n);

@@ -243,42 +243,37 @@ template <class From>
   }
 }
 
-// Converts a block in which something is bad; false when a character does not fit.
+// Converts a block in which something is bad; there is room for whatever it becomes.
 template <class From>
-bool takeBad(Stretch& s, UtfCursor& c) {
+void takeBad(Stretch& s, UtfCursor& c) {
   s.save(c);
-  const bool fits = convertTo<From, Utf8>(c, c.read + kBlock);
+  convertTo<From, Utf8>(c, c.read + kBlock);
   s = Stretch(c);
-  return fits;
 }
 
-// Take blocks of any characters, up to some in a row that another gear is for. False when a character does not fit.
+// Take blocks of any characters, up to some in a row that another gear is for.
 template <class From>
-[[VARNIK_AVX2]] inline bool takeOthers16(Stretch& s, UtfCursor& c) {
-  bool fits = true;
-  for (u32 narrow = 0; fits && narrow < kNarrowRun && s.left >= kBlock && s.room >= kRoom;) {
+[[VARNIK_AVX2]] inline void takeOthers16(Stretch& s, UtfCursor& c) {
+  for (u32 narrow = 0; narrow < kNarrowRun && s.left >= kBlock && s.room >= kRoom;) {
     const __m256i units = loadUnits<From>(s.in);
     narrow = isClear(units, unitsOf(0xF800)) ? narrow + 1 : 0;
     const Done done = putBlock16(units, s.out);
     s.advance(done.read, done.written);
-    if (done.read == 0) fits = takeBad<From>(s, c);
+    if (done.read == 0) takeBad<From>(s, c);
   }
-  return fits;
 }
 
 template <class From>
-[[VARNIK_AVX2]] inline bool takeOthers32(Stretch& s, UtfCursor& c) {
-  bool fits = true;
-  for (u32 ascii = 0; fits && ascii < kAsciiRun && s.left >= 2 * kBlock && s.room >= kRoom;) {
+[[VARNIK_AVX2]] inline void takeOthers32(Stretch& s, UtfCursor& c) {
+  for (u32 ascii = 0; ascii < kAsciiRun && s.left >= 2 * kBlock && s.room >= kRoom;) {
     const __m256i first = loadUnits<From>(s.in), second = loadUnits<From>(s.in + kBlock);
     ascii = isAscii<From>(_mm256_or_si256(first, second)) ? ascii + 1 : 0;
     __m256i units;
     const Done done =
         narrowed(first, second, units) ? Done{2 * kBlock, putSixteen(units, s.out)} : putBlock32(first, s.out);
     s.advance(done.read, done.written);
-    if (done.read == 0) fits = takeBad<From>(s, c);
+    if (done.read == 0) takeBad<From>(s, c);
   }
-  return fits;
 }
 
 // Takes the last units, of which there may be too few for a block.
@@ -300,14 +295,13 @@ template <class From>
 [[VARNIK_AVX2]] void convertToUtf8Avx2(UtfCursor& c) {
   constexpr u32 kStep = kIsWide<From> ? 2 * kBlock : kBlock;
   Stretch s(c);
-  bool fits = true;
-  while (fits && s.left >= kStep && s.room >= kRoom) {
+  while (s.left >= kStep && s.room >= kRoom) {
     takeAscii<From>(s);
     if constexpr (kIsWide<From>) {
-      fits = takeOthers32<From>(s, c);
+      takeOthers32<From>(s, c);
     } else {
       takeNarrow<From>(s);
-      fits = takeOthers16<From>(s, c);
+      takeOthers16<From>(s, c);
     }
   }
   takeLast<From>(s);

@@ -40,9 +40,9 @@ bool readLine(const u8* text, u8* out) {
   return true;
 }
 
-// The length of the line end at text[0, n): 1, 2, or 0 for none.
+// The length of the line end at text[0, n): 1, 2, or 0 for none. REQUIRES: `n` is above 0.
 u32 lineEndAt(const u8* text, u32 n) {
-  if (n >= 1 && text[0] == '\n') return 1;
+  if (text[0] == '\n') return 1;
   return n >= 2 && text[0] == '\r' && text[1] == '\n' ? 2 : 0;
 }
 

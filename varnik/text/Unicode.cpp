@@ -1,5 +1,6 @@
 // What charset a content may be in, and its conversion from and to Unicode.
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 #include "varnik/buffer/DataBuffer.h"
@@ -13,6 +14,7 @@
 namespace {
 
 constexpr s32 kUtf8 = 65001, kUtf16Le = 1200, kUtf16Be = 1201, kUtf32Le = 12000, kUtf32Be = 12001, kNone = -1;
+constexpr s32 kUtf16Host = std::endian::native == std::endian::little ? kUtf16Le : kUtf16Be;
 constexpr u32 kManyZeros = 33;  // enough to decide, however long the content is
 
 bool beginsWithBytes(const u8* data, u32 n, std::initializer_list<u8> mark) {
@@ -74,6 +76,12 @@ u64 sizeWithZeroUnit(const u8* text, u32 unit) {
     if (std::all_of(text + size - unit, text + size, [](u8 b) { return b == 0; })) return size;
 }
 
+bool appendUnits(const u8* text, u32 unit, DataBuffer& out) {
+  if (!text) return out.appendCharN(0, unit);
+  const u64 size = sizeWithZeroUnit(text, unit);
+  return size <= 0xFFFFFFFF && out.append(text, static_cast<u32>(size));
+}
+
 }  // namespace
 
 s32 DataBuffer::detectObviousCodePage() const {
@@ -115,8 +123,7 @@ void DataBuffer::toXString(const char* charsetName, XString& out) {
   DataBuffer units;
   units.secure = secure;
   LogNull log;
-  _vkEncodingConvert().EncConvert(charset.getCodePage(), vk_isLittleEndian() ? kUtf16Le : kUtf16Be, data_, size_, units,
-                                  log);
+  _vkEncodingConvert().EncConvert(charset.getCodePage(), kUtf16Host, data_, size_, units, log);
   if (!units.empty()) out.setFromUtf16N_xe(units.getData2(), static_cast<s32>(units.getSize() / 2));
 }
 
@@ -138,15 +145,9 @@ void DataBuffer::cvUnicodeToUtf8_db(DataBuffer& out) const {
 }
 
 bool DataBuffer::appendNullTerminatedUtf16_xe(const u8* text) {
-  if (!isValid()) return false;
-  if (!text) return appendCharN(0, 2);
-  const u64 size = sizeWithZeroUnit(text, 2);
-  return !vk64::TooBigForUnsigned32(static_cast<s64>(size)) && append(text, static_cast<u32>(size));
+  return isValid() && appendUnits(text, 2, *this);
 }
 
 bool DataBuffer::appendNullTerminatedUtf32_xe(const u8* text) {
-  if (!isValid()) return false;
-  if (!text) return appendCharN(0, 4);
-  const u64 size = sizeWithZeroUnit(text, 4);
-  return !vk64::TooBigForUnsigned32(static_cast<s64>(size)) && append(text, static_cast<u32>(size));
+  return isValid() && appendUnits(text, 4, *this);
 }

@@ -108,7 +108,7 @@ bool DataBuffer::convertXmlToUtf8(LogBase& log) {
   const bool hasZero = hasZeroInHead(*this);
   if (hasZero && convertByZeroBytes(*this)) return true;
 
-  if (!appendChar(0) || !data_) return false;
+  if (!appendChar(0)) return false;
   StringBuffer charset;
   const bool isDeclared = declaredCharset(reinterpret_cast<const char*>(data_), hasZero, charset);
   --size_;

@@ -58,21 +58,15 @@ class Decoder {
 
  private:
   bool openFrame() {
-    skipSpace();
-    const bool framed = n_ - i_ >= 2 && text_[i_] == '<' && text_[i_ + 1] == '~';
-    if (framed) i_ += 2;
+    const bool framed = n_ >= 2 && text_[0] == '<' && text_[1] == '~';
+    if (framed) i_ = 2;
     return framed;
   }
 
   DecodeResult closeFrame() {
     if (n_ - i_ < 2 || text_[i_ + 1] != '>') return DecodeResult::fault(i_);
     i_ += 2;
-    skipSpace();
     return i_ == n_ ? DecodeResult::good() : DecodeResult::fault(i_);
-  }
-
-  void skipSpace() {
-    while (i_ < n_ && vk_codec::isSpace(text_[i_])) ++i_;
   }
 
   void wholeGroups() {

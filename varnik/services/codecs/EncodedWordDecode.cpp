@@ -65,11 +65,10 @@ class WordFinder {
   }
 
   u32 closing(u32 from) {
-    if (closing_ < from || !searched_) {
+    if (closing_ < from) {
       closing_ = find('?', from);
       while (closing_ < n_ && (n_ - closing_ < 2 || text_[closing_ + 1] != '=')) closing_ = find('?', closing_ + 1);
     }
-    searched_ = true;
     return closing_;
   }
 
@@ -82,7 +81,6 @@ class WordFinder {
   const char* text_;
   const u32 n_;
   u32 closing_ = 0, lineBreak_ = 0;
-  bool searched_ = false;
 };
 
 class Decoder {

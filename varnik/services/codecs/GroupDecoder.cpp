@@ -91,7 +91,7 @@ bool Decoding::decodeRuns() {
 // Lines as encoders write them: the first one, which ends here, tells their length and their end.
 void Decoding::decodeLines(u32 length) {
   const char* const end = text_ + at_;
-  const u32 endChars = n_ - at_ > 1 && vk_simd::isWhiteSpace(end[1]) ? 2 : 1;
+  const u32 endChars = vk_simd::isWhiteSpace(end[1]) ? 2 : 1;  // a whole group follows at least
   at_ += endChars;
   const u32 lines = f_.decodeLines(text_ + at_, n_ - at_, length, {end, endChars}, to_ + written_);
   at_ += lines * (length + endChars);

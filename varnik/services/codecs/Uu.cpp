@@ -6,6 +6,8 @@
 //   end
 #include "varnik/services/codecs/Uu.h"
 
+#include <initializer_list>
+
 #include "varnik/services/codecs/ContentEncoder.h"
 #include "varnik/services/codecs/internal/DecodeResult.h"
 #include "varnik/services/codecs/internal/Room.h"
@@ -15,8 +17,8 @@
 
 namespace {
 
-bool appendWord(StringBuffer& out, const char* word, const char* otherwise) {
-  return out.append(word && *word != 0 ? word : otherwise);
+const char* wordOr(const char* word, const char* otherwise) {
+  return word && *word != 0 ? word : otherwise;
 }
 
 struct Line {
@@ -35,7 +37,7 @@ class Decoder {
       const Line line = lineAt(i_);
       if (isEnd(line)) return DecodeResult::good();
       const u32 bad = closed ? firstNotEmpty(line.start, line.end) : readLine(line);
-      if (!out_.append(bytes_, count_)) return DecodeResult::noMemory();
+      out_.append(bytes_, count_);  // into the room that `wholeLines` has made
       if (bad != kNoFault) return DecodeResult::fault(bad);
       closed = count_ == 0;
       i_ = line.next;
@@ -84,8 +86,9 @@ class Decoder {
     return start < end ? start : kNoFault;
   }
 
+  // Makes room for the line behind them, too.
   bool wholeLines() {
-    u8* const to = vk_codec::roomFor(out_, u64{n_ - i_} / 4 * 3 + vk_simd::kUuSlack);
+    u8* const to = vk_codec::roomFor(out_, u64{n_ - i_} / 4 * 3 + vk_simd::kUuSlack + sizeof bytes_);
     if (!to) return false;
     const auto done = vk_simd::readUuLines(text_ + i_, n_ - i_, to);
     out_.addToSize(done.bytes);
@@ -129,14 +132,15 @@ class Decoder {
 }  // namespace
 
 bool Uu::uu_encode(const DataBuffer& data, const char* mode, const char* name, StringBuffer& out) const {
-  if (!out.append("begin ") || !appendWord(out, mode, "644") || !out.appendChar(' ') ||
-      !appendWord(out, name, "data") || !out.appendChar('\n'))
-    return false;
+  mode = wordOr(mode, "644");
+  name = wordOr(name, "data");
+  constexpr u32 kFrame = sizeof "begin  \n`\nend\n";
   const u32 n = data.getSize();
   const u64 lines = u64{n} / vk_simd::kUuLineBytes + 1;
-  u8* const to = vk_codec::roomFor(out, lines * (vk_simd::kUuLineChars + 2) + vk_simd::kUuSlack);
-  if (!to) return false;
-  if (n != 0) out.addToSize(vk_simd::putUuLines(data.getData2(), n, to));
+  const u64 room = lines * (vk_simd::kUuLineChars + 2) + vk_simd::kUuSlack;
+  if (!vk_codec::roomFor(out, kFrame + u64{vk_strlen(mode)} + vk_strlen(name) + room)) return false;
+  for (const char* const word : {"begin ", mode, " ", name, "\n"}) out.append(word);  // there is room for all
+  if (n != 0) out.addToSize(vk_simd::putUuLines(data.getData2(), n, vk_codec::roomFor(out, room)));
   return out.append("`\nend\n");
 }
 

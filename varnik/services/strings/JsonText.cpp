@@ -93,9 +93,9 @@ class Decoder {
     return true;
   }
 
-  // The code unit of the escape \uXXXX at `at`.
+  // The code unit of the escape \uXXXX at `at`. REQUIRES: `at` <= `n_`.
   u32 unitAt(u32 at) const {
-    if (at > n_ || n_ - at < 6 || text_[at] != '\\' || text_[at + 1] != 'u') return kNoUnit;
+    if (n_ - at < 6 || text_[at] != '\\' || text_[at + 1] != 'u') return kNoUnit;
     u32 unit = 0;
     for (u32 k = 2; k < 6; ++k) {
       const u32 digit = vk_simd::hexValue(text_[at + k]);

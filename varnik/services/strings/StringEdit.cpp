@@ -6,6 +6,7 @@
 
 #include "varnik/services/memory/Text.h"
 #include "varnik/services/strings/StringBuffer.h"
+#include "varnik/simd/GatherText.h"
 
 namespace {
 
@@ -13,10 +14,6 @@ using std::string_view;
 
 char lower(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-}
-
-bool isSpace(char c) {
-  return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
 bool sameIgnoringCase(string_view a, string_view b) {
@@ -42,8 +39,8 @@ void StringBuffer::shorten(u32 n) {
 void StringBuffer::trim2() {
   if (!data_) return;
   u32 first = 0, end = size_;
-  while (first < end && isSpace(data_[first])) ++first;
-  while (end > first && isSpace(data_[end - 1])) --end;
+  while (first < end && vk_simd::isWhiteSpace(data_[first])) ++first;
+  while (end > first && vk_simd::isWhiteSpace(data_[end - 1])) --end;
   std::memmove(data_, data_ + first, end - first);
   setEnd(end - first);
 }
@@ -65,12 +62,15 @@ bool StringBuffer::replaceAllOccurances(const char* find, const char* with) {
   StringBuffer result;
   result.secure_ = secure_;
   std::size_t from = 0;
+  bool done = true;
   const auto add = [&](string_view part) { return result.appendN(part.data(), static_cast<u32>(part.size())); };
   for (; at != string_view::npos; at = text.find(pattern, from)) {
-    if (!add(text.substr(from, at - from)) || !add(replacement)) return false;
+    done &= add(text.substr(from, at - from));
+    done &= add(replacement);
     from = at + pattern.size();
   }
-  if (!add(text.substr(from))) return false;
+  done &= add(text.substr(from));
+  if (!done) return false;
   *this = std::move(result);
   return true;
 }

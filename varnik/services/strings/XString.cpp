@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "varnik/buffer/DataBuffer.h"
+#include "varnik/services/codecs/internal/Room.h"
 #include "varnik/services/memory/Memory.h"
 #include "varnik/simd/Utf.h"
 
@@ -67,12 +68,8 @@ bool XString::setFromUtf16N_xe(const u8* units, s32 n) {
   value.setSecure(secure_);
   const u32 count = units && n > 0 ? static_cast<u32>(n) : 0;
   const u64 most = u64{count} * 3;  // a unit alone is at most three bytes, two that pair are four
-  char* out = count != 0 && most <= 0xFFFFFFFF ? value.getAppendPtr(static_cast<u32>(most)) : nullptr;
-  if (out) {
-    const auto done =
-        vk_simd::convertUtf(kHost, Utf::k8, units, count * 2, reinterpret_cast<u8*>(out), static_cast<u32>(most));
-    value.addToSize(done.written);
-  }
+  u8* const out = count != 0 ? vk_codec::roomFor(value, most) : nullptr;
+  if (out) value.addToSize(vk_simd::convertUtf(kHost, Utf::k8, units, count * 2, out, static_cast<u32>(most)).written);
   utf8_ = std::move(value);
   return out || count == 0;
 }
@@ -80,11 +77,9 @@ bool XString::setFromUtf16N_xe(const u8* units, s32 n) {
 bool XString::getUtf16_le(bool withMark, DataBuffer& out) {
   const u64 bytes = 2 * (u64{getNumChars()} + (withMark ? 1 : 0));
   if (bytes == 0) return true;
-  if (out.getSize() + bytes > 0xFFFFFFFF) return false;
-  const u32 n = static_cast<u32>(bytes);
-  if (!out.canAppendWithoutRealloc(n) && !out.expandBuffer(n)) return false;
-  u8* to = out.getBufAt(out.getSize());
-  const u32 mark = withMark ? 2 : 0;
+  u8* const to = vk_codec::roomFor(out, bytes);
+  if (!to) return false;
+  const u32 n = static_cast<u32>(bytes), mark = withMark ? 2 : 0;
   if (withMark) std::memcpy(to, "\xFF\xFE", mark);
   putUnits(utf8_, Utf::k16Le, to + mark, n - mark);
   out.addToSize(n);

@@ -7,17 +7,19 @@
 
 namespace vk_codec {
 
-/// Makes room for `n` more bytes and returns where they go; null when memory or the size limit stands in the way, and
-/// for a damaged buffer, which is reported. `n` is above 0.
-inline u8* roomFor(DataBuffer& out, u64 n) {
-  if (n > 0xFFFFFFFF || !out.checkValidityDb()) return nullptr;
-  const u32 count = static_cast<u32>(n);
-  if (out.getBufSize() - out.getSize() < count && !out.expandBuffer(count)) return nullptr;
+inline u8* appendPtrOf(DataBuffer& out, u32 n) {
+  if (!out.checkValidityDb() || (out.getBufSize() - out.getSize() < n && !out.expandBuffer(n))) return nullptr;
   return out.getData2() + out.getSize();
 }
+inline u8* appendPtrOf(StringBuffer& out, u32 n) {
+  return reinterpret_cast<u8*>(out.getAppendPtr(n));
+}
 
-inline u8* roomFor(StringBuffer& out, u64 n) {
-  return n > 0xFFFFFFFF ? nullptr : reinterpret_cast<u8*>(out.getAppendPtr(static_cast<u32>(n)));
+/// Makes room for `n` more bytes and returns where they go; null when memory or the size limit stands in the way, and
+/// for a damaged buffer, which is reported. `n` is above 0.
+template <class Output>
+u8* roomFor(Output& out, u64 n) {
+  return n > 0xFFFFFFFF ? nullptr : appendPtrOf(out, static_cast<u32>(n));
 }
 
 /// Encodes long inputs piece by piece, so that no more than the worst case of one piece is reserved beyond what is
