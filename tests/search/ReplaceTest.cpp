@@ -23,29 +23,13 @@ std::string unitsOf(std::u16string_view text) {
   return {reinterpret_cast<const char*>(text.data()), text.size() * 2};
 }
 
-TEST(Replace, ReplacesFromLeftToRight) {
-  constexpr struct {
-    const char *given, *find, *with, *left;
-    u32 count;
-  } kCases[] = {
-      {"aaaa", "aa", "b", "bb", 2},         {"aaa", "aa", "b", "ba", 1},
-      {"abcabc", "b", "bb", "abbcabbc", 2}, {"abc", "abc", "", "", 1},
-      {"xabx", "ab", "", "xx", 1},          {"abc", "abc", "defgh", "defgh", 1},
-      {"abcab", "ab", "12", "12c12", 2},    {"ab", "abc", "x", "ab", 0},
-      {"abc", "x", "y", "abc", 0},          {"\xFF\xFE", "\xFE", "\xFF", "\xFF\xFF", 1},
-  };
-  for (const auto& c : kCases) {
-    DataBuffer b = bufferOf(c.given);
-    EXPECT_EQ(replaceAll(b, c.find, c.with), c.count) << c.given;
-    EXPECT_EQ(textOf(b), c.left) << c.given;
-  }
-}
-
 TEST(Replace, AgreesWithThePlainReplacement) {
   for (u32 seed = 0; seed < 500; ++seed) {
     Random random(seed);
-    std::string text = random.text(random.below(2000), "aaab");
-    const std::string find = random.text(1 + random.below(4), "ab"), with = random.text(random.below(6), "abc");
+    std::string text = random.text(random.below(seed % 5 == 0 ? 5 : 2000), "aaa\xFF");
+    const std::string find = random.text(1 + random.below(4), "a\xFF"), with = random.text(random.below(6),
+                                                                                           "a\xFF"
+                                                                                           "c");
     DataBuffer b = bufferOf(text);
     const u32 count = replaceAll(b, find, with);
     ASSERT_EQ(count, replaceSlowly(text, find, with)) << seed;

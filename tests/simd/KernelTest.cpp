@@ -174,15 +174,16 @@ TEST(Kernels, UuLines) {
   hold(VARNIK_FORMS(readUuLines), {lines, {line('C', "\n"), line('C', "\n"), line('C', "!")}}, line('`', "\n"), read);
 }
 
+constexpr auto isLowerCase = [](u8 b) { return b >= 'a' && b <= 'z'; };
+constexpr auto isOdd = [](u8 b) { return b % 3 == 1 || b > 0xF0; };
+constexpr vk_simd::EscapeTable kTable = vk_simd::escapeTableOf(isLowerCase, [](u8 b, u8* out) {
+  for (u32 i = 0; i < 1 + b % 6U; ++i) out[i] = static_cast<u8>('0' + i);
+  return 1 + b % 6U;
+});
+constexpr vk_simd::HexEscape kHow = {vk_simd::byteSetOf(isLowerCase), '%'};
+constexpr vk_simd::ByteSet kOdd = vk_simd::byteSetOf(isOdd);
+
 TEST(Kernels, Escapes) {
-  static constexpr auto isLowerCase = [](u8 b) { return b >= 'a' && b <= 'z'; };
-  static constexpr auto isOdd = [](u8 b) { return b % 3 == 1 || b > 0xF0; };
-  static constexpr vk_simd::EscapeTable kTable = vk_simd::escapeTableOf(isLowerCase, [](u8 b, u8* out) {
-    for (u32 i = 0; i < 1 + b % 6U; ++i) out[i] = static_cast<u8>('0' + i);
-    return 1 + b % 6U;
-  });
-  static constexpr vk_simd::HexEscape kHow = {vk_simd::byteSetOf(isLowerCase), '%'};
-  static constexpr vk_simd::ByteSet kOdd = vk_simd::byteSetOf(isOdd);
   const std::vector<Pieces> texts = {eachOf("abcdefghijklmnopqrstuvwxyz\r\n"), eachOf("abcdefgh"), eachOf("ab\xC3\xA9"),
                                      kAny, eachOf("\x05\x0B")};
   hold(VARNIK_FORMS(copyRun), {eachOf("147:=@Cabc"), eachOf("147:=")}, "1",

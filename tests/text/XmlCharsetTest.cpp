@@ -12,65 +12,59 @@ std::string document(std::string_view declared) {
   return declared.empty() ? kBody : "<?xml version=\"1.0\" " + std::string(declared) + "?>\n" + kBody;
 }
 
-struct Row {
-  const char* why;
-  std::string given, want;
+// UTF-8, and the charset that it is given in, behind a mark.
+const struct {
+  const char *why, *mark;
+  s32 page;
+  std::string text;
+} kConverted[] = {
+    {"a UTF-16BE mark outdoes the declaration", "FEFF", 1201, document("encoding='koi8-r'")},
+    {"a UTF-16LE mark", "FFFE", 1200, document("")},
+    {"a mark and nothing else", "FFFE", 1200, ""},
+    {"UTF-16LE by its zero bytes", "", 1200, document("encoding='utf-16'")},
+    {"UTF-16BE by its zero bytes", "", 1201, document("")},
+    {"a UTF-8 mark is all that goes", "EFBBBF", 65001, document("encoding='iso-8859-1'")},
+    {"six bytes with zeros", "", 1200, "ABC"},
+    {"latin 1", "", 28591, document("encoding=\"ISO-8859-1\"")},
+    {"blanks and upper case", "", 1252, document("ENCODING = 'Windows-1252'")},
+    {"ibm, single quotes", "", 850, document("encoding='IBM850'")},
+    {"the declaration may stand anywhere", "", 28591, "\n\n <a/><?xml encoding='latin1'?>\u00E9"},
 };
 
-const Row kRows[] = {
-    {"a UTF-8 mark is all that goes", "\xEF\xBB\xBF" + document("encoding='iso-8859-1'"),
-     document("encoding='iso-8859-1'")},
-    {"two bytes of that mark are none",
-     "\xEF\xBB"
-     "<a/>",
-     "\xEF\xBB"
-     "<a/>"},
-    {"a UTF-16BE mark outdoes the declaration",
-     fromHex("FEFF") + convert(65001, 1201, document("encoding='koi8-r'")).text, document("encoding='koi8-r'")},
-    {"a UTF-16LE mark", fromHex("FFFE") + convert(65001, 1200, document("")).text, document("")},
-    {"a mark and nothing else", fromHex("FFFE"), ""},
-    {"a mark before half a unit", fromHex("FFFE 4100 42"), "A\uFFFD"},
-    {"UTF-16LE by its zero bytes", convert(65001, 1200, document("encoding='utf-16'")).text,
-     document("encoding='utf-16'")},
-    {"UTF-16BE by its zero bytes", convert(65001, 1201, document("")).text, document("")},
-    {"UTF-32BE with a mark", convert(65001, 12001, "\uFEFF" + document("")).text,
-     convert(1201, 65001, convert(65001, 12001, document("")).text).text},
-    {"five bytes are enough", fromHex("4100420043"), fromHex("4100420043")},
-    {"six too", fromHex("410042004300"), "ABC"},
-    {"four are not", fromHex("41004200"), fromHex("41004200")},
-    {"latin 1", convert(65001, 28591, document("encoding=\"ISO-8859-1\"")).text, document("encoding=\"ISO-8859-1\"")},
-    {"blanks and upper case", convert(65001, 1252, document("ENCODING = 'Windows-1252'")).text,
-     document("ENCODING = 'Windows-1252'")},
-    {"ibm, single quotes", convert(65001, 850, document("encoding='IBM850'")).text, document("encoding='IBM850'")},
-    {"the value runs to a later double quote", convert(65001, 1252, document("encoding='cp1252' x=\"y\"")).text,
-     convert(65001, 1252, document("encoding='cp1252' x=\"y\"")).text},
-    {"a tab is no blank", "<?xml encoding\t='latin1'?>\xE9", "<?xml encoding\t='latin1'?>\xE9"},
-    {"the declaration may stand anywhere", "\n\n <a/><?xml encoding='latin1'?>\xE9",
-     "\n\n <a/><?xml encoding='latin1'?>\u00E9"},
-    {"behind a zero byte it is not found", std::string(200, ' ') + '\0' + "<?xml encoding='latin1'?>\xE9",
-     std::string(200, ' ') + '\0' + "<?xml encoding='latin1'?>\xE9"},
-    {"UTF-8 declared", document("encoding='UTF-8'") + "\xFF", document("encoding='UTF-8'") + "\xFF"},
-    {"UTF-16 declared but not so", document(" encoding = \"Utf-16\""), document(" encoding = \"Utf-16\"")},
-    {"UTF-16 declared, zero bytes, no form fits: by name", std::string("<?xml encoding='utf-16'?>x\0z", 28), ""},
-    {"unknown charset", document("encoding='klingon'"), document("encoding='klingon'")},
-    {"no encoding", document("standalone='yes'"), document("standalone='yes'")},
-    {"no value", document("encoding=''"), document("encoding=''")},
-    {"no end of the value", "<?xml encoding='latin1?>\xE9", "<?xml encoding='latin1?>\xE9"},
-    {"no end of the declaration", "<?xml encoding='latin1'\xE9", "<?xml encoding='latin1'\xE9"},
-    {"no declaration", "<a>\xE9</a>", "<a>\xE9</a>"},
-    {"empty", "", ""},
+const std::pair<const char*, std::string> kKept[] = {
+    {"two bytes of a UTF-8 mark are none", "\xEF\xBB<a/>"},
+    {"five bytes with zeros", fromHex("4100420043")},
+    {"four bytes with zeros", fromHex("41004200")},
+    {"the value runs to a later double quote", convert(65001, 1252, document("encoding='cp1252' x=\"y\"")).text},
+    {"a tab is no blank", "<?xml encoding\t='latin1'?>\xE9"},
+    {"behind a zero byte it is not found", std::string(200, ' ') + '\0' + "<?xml encoding='latin1'?>\xE9"},
+    {"UTF-8 declared", document("encoding='UTF-8'") + "\xFF"},
+    {"UTF-16 declared but not so", document(" encoding = \"Utf-16\"")},
+    {"unknown charset", document("encoding='klingon'")},
+    {"no encoding", document("standalone='yes'")},
+    {"no value", document("encoding=''")},
+    {"no end of the value", "<?xml encoding='latin1?>\xE9"},
+    {"no end of the declaration", "<?xml encoding='latin1'\xE9"},
+    {"no declaration", "<a>\xE9</a>"},
+    {"empty", ""},
 };
+
+void expectConverted(const char* why, const std::string& given, const std::string& want) {
+  DataBuffer b = bufferOf(given);
+  b.ensureBuffer(1);
+  LogNull log;
+  EXPECT_TRUE(b.convertXmlToUtf8(log)) << why;
+  EXPECT_EQ(textOf(b), want) << why;
+}
 
 TEST(XmlCharset, ConvertsByMarkByZeroBytesAndByDeclaration) {
-  for (const Row& row : kRows) {
-    DataBuffer b = bufferOf(row.given);
-    b.ensureBuffer(1);
-    LogNull log;
-    std::string want = row.want;
-    if (std::string_view(row.why).ends_with("by name")) want = convert(1200, 65001, row.given).text;
-    EXPECT_TRUE(b.convertXmlToUtf8(log)) << row.why;
-    EXPECT_EQ(textOf(b), want) << row.why;
-  }
+  for (const auto& c : kConverted)
+    expectConverted(c.why, fromHex(c.mark) + convert(65001, c.page, c.text).text, c.text);
+  for (const auto& [why, given] : kKept) expectConverted(why, given, given);
+  expectConverted("a mark before half a unit", fromHex("FFFE 4100 42"), "A\uFFFD");
+  const std::string odd("<?xml encoding='utf-16'?>x\0z", 28), wide = convert(65001, 12001, document("")).text;
+  expectConverted("UTF-16 declared, zero bytes, no form fits: by name", odd, convert(1200, 65001, odd).text);
+  expectConverted("UTF-32BE", wide, convert(1201, 65001, wide).text);
 }
 
 TEST(XmlCharset, EveryCharsetThatIsDeclared) {
@@ -84,10 +78,7 @@ TEST(XmlCharset, EveryCharsetThatIsDeclared) {
                                    {"ISO-2022-JP", "\u8868\u793A"},
                                    {"iso-8859-7", "\u039C\u03AE"}}) {
     const std::string whole = "<?xml version='1.0' encoding='" + std::string(name) + "'?><a>" + text + "</a>";
-    DataBuffer b = bufferOf(byIconv("UTF-8", name, whole).text);
-    LogNull log;
-    EXPECT_TRUE(b.convertXmlToUtf8(log));
-    EXPECT_EQ(textOf(b), whole) << name;
+    expectConverted(name, byIconv("UTF-8", name, whole).text, whole);
   }
 }
 
