@@ -100,35 +100,18 @@ u32 refuseEach(const Operation& op, bool filled) {
   });
 }
 
-void refuseEach(const std::vector<Operation>& operations) {
+class AllocationFailures : public ::testing::TestWithParam<std::vector<Operation> (*)()> {};
+
+TEST_P(AllocationFailures, LeaveWhatIsPromised) {
   u32 refusals = 0;
+  const std::vector<Operation> operations = GetParam()();
   for (const Operation& op : operations)
     for (const bool filled : {false, true}) refusals += refuseEach(op, filled);
-  ::testing::Test::RecordProperty("refusals", static_cast<int>(refusals));
   std::printf("%zu operations, %u refusals\n", operations.size(), refusals);
 }
-
-TEST(AllocationFailures, Buffer) {
-  refuseEach(bufferOperations());
-}
-TEST(AllocationFailures, Strings) {
-  refuseEach(stringOperations());
-}
-TEST(AllocationFailures, Encodings) {
-  refuseEach(encodingOperations());
-}
-TEST(AllocationFailures, Charsets) {
-  refuseEach(charsetOperations());
-}
-TEST(AllocationFailures, Texts) {
-  refuseEach(textOperations());
-}
-TEST(AllocationFailures, Secrets) {
-  refuseEach(secretOperations());
-}
-TEST(AllocationFailures, Files) {
-  refuseEach(fileOperations());
-}
+INSTANTIATE_TEST_SUITE_P(All, AllocationFailures,
+                         ::testing::Values(bufferOperations, stringOperations, encodingOperations, charsetOperations,
+                                           textOperations, secretOperations, fileOperations));
 
 }  // namespace
 }  // namespace faults

@@ -14,8 +14,7 @@ std::string sample() {
 
 Operation converting(const std::string& what, s32 from, s32 to, std::string text) {
   return extending(what, [=](Scene& s) {
-    LogNull log;
-    return _vkEncodingConvert().EncConvert(from, to, bytesOf(text), countOf(text), s.buffer, log);
+    return _vkEncodingConvert().EncConvert(from, to, bytesOf(text), countOf(text), s.buffer, s.log);
   });
 }
 
@@ -33,10 +32,9 @@ std::vector<Operation> charsetOperations() {
   std::vector<Operation> all = {
       extending("ChConvert2",
                 [text](Scene& s) {
-                  LogNull log;
                   StringBuffer name;
                   return name.append("Shift_JIS") &&
-                         _vkEncodingConvert().ChConvert2(name, kUtf8, bytesOf(text), 900, s.buffer, log);
+                         _vkEncodingConvert().ChConvert2(name, kUtf8, bytesOf(text), 900, s.buffer, s.log);
                 }),
       row("canonicalizeCharset", Leaves::kAnything,
           [](Scene& s) {

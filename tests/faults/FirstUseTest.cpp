@@ -29,17 +29,15 @@ constexpr struct {
      [](Scene&) { return true; }},
     {"encryption",
      [](Scene& s) {
-       LogNull log;
-       return SymmetricCrypt::encryptBytes(256, nullptr, s.key, s.source.getData2(), 900, s.buffer, log);
+       return SymmetricCrypt::encryptBytes(256, nullptr, s.key, s.source.getData2(), 900, s.buffer, s.log);
      },
      [](Scene& s) { return s.buffer.size() == 928; }},
     {"decryption under a derived key",
      [](Scene& s) {
-       LogNull log;
        s.key.shorten(1);
        DataBuffer hidden;
-       return SymmetricCrypt::encryptBytes(256, nullptr, s.key, bytesOf("plain"), 5, hidden, log) &&
-              SymmetricCrypt::decryptBytes(256, nullptr, s.key, hidden.getData2(), hidden.size(), s.buffer, log);
+       return SymmetricCrypt::encryptBytes(256, nullptr, s.key, bytesOf("plain"), 5, hidden, s.log) &&
+              SymmetricCrypt::decryptBytes(256, nullptr, s.key, hidden.getData2(), hidden.size(), s.buffer, s.log);
      },
      [](Scene& s) { return textOf(s.buffer) == "plain"; }},
 };

@@ -19,6 +19,7 @@ struct Scene {
   XString wide;
   DataBufferView view;
 
+  LogNull log;
   DataBuffer source;  // some bytes
   DataBuffer key;     // 32 bytes
 };

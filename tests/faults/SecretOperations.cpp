@@ -3,82 +3,64 @@
 namespace faults {
 namespace {
 
-/// Stores a secret in a holder and hands it out again by `get`.
-template <class Get>
-auto holding(Get get) {
-  return [get](Scene& s) {
-    LogNull log;
-    SecretString secret;
-    return secret.setSecString(s.key, "a secret of some length", log) && get(secret, s, log);
-  };
+bool encrypt(Scene& s, u32 n, DataBuffer& out) {
+  return SymmetricCrypt::encryptBytes(256, nullptr, s.key, s.source.getData2(), n, out, s.log);
 }
 
-/// Pads `source` and puts the result behind what `buffer` holds.
-auto padding(s32 scheme) {
-  return [scheme](Scene& s) {
-    LogNull log;
-    const u32 added = s.source.padForEncryption(scheme, 16, log);
+/// Stores a secret in a holder and hands it out again by `get` into `out`.
+template <class Get, class Out>
+Operation holding(const char* what, Get get, Out Scene::*out) {
+  return emptying(what, [=](Scene& s) {
+    SecretString secret;
+    return secret.setSecString(s.key, "a secret of some length", s.log) && (secret.*get)(s.key, s.*out, s.log);
+  });
+}
+
+/// Pads `source` and puts the result behind what `buffer` holds. Answers by the length, whatever the memory.
+Operation padding(s32 scheme) {
+  return alwaysTrue(extending("padForEncryption", [scheme](Scene& s) {
+    const u32 added = s.source.padForEncryption(scheme, 16, s.log);
     s.buffer.append(s.source);
-    return added == (scheme == 5 ? 0u : 8u);
-  };
+    return added == 8;
+  }));
+}
+
+Operation copyAndPad(s32 scheme) {
+  return emptying("copyAndPadForEncryption",
+                  [scheme](Scene& s) { s.buffer.copyAndPadForEncryption(s.source, scheme, 16, s.log); });
+}
+
+bool copySecret(Scene& s) {
+  SecretData first, second;
+  DataBuffer otherKey;
+  if (!first.setSecretFromBuffer(otherKey, s.source)) return false;
+  second.copySecretFrom(s.key, otherKey, first);
+  return !second.isEmpty() && second.getSecret(s.key, s.buffer, s.log);
 }
 
 }  // namespace
 
 std::vector<Operation> secretOperations() {
   return {
-      random(emptying("encryptBytes",
-                      [](Scene& s) {
-                        LogNull log;
-                        return SymmetricCrypt::encryptBytes(256, nullptr, s.key, s.source.getData2(), 999, s.buffer,
-                                                            log);
-                      })),
+      random(emptying("encryptBytes", [](Scene& s) { return encrypt(s, 999, s.buffer); })),
       random(emptying("encryptBytes under a derived key",
-                      [](Scene& s) {
-                        LogNull log;
-                        s.key.shorten(5);
-                        return SymmetricCrypt::encryptBytes(256, nullptr, s.key, s.source.getData2(), 9, s.buffer, log);
-                      })),
+                      [](Scene& s) { return s.key.shorten(5), encrypt(s, 9, s.buffer); })),
       emptying("encrypt and decrypt",
                [](Scene& s) {
-                 LogNull log;
                  DataBuffer hidden;
-                 return SymmetricCrypt::encryptBytes(256, nullptr, s.key, s.source.getData2(), 999, hidden, log) &&
-                        SymmetricCrypt::decryptBytes(256, nullptr, s.key, hidden.getData2(), hidden.size(), s.buffer,
-                                                     log);
+                 return encrypt(s, 999, hidden) && SymmetricCrypt::decryptBytes(256, nullptr, s.key, hidden.getData2(),
+                                                                                hidden.size(), s.buffer, s.log);
                }),
       random(op("generateBytes", [](Scene& s) { return RandomSource::generateBytes(999, s.buffer); })),
-      emptying("getSecString", holding([](SecretString& held, Scene& s, LogBase& log) {
-                 return held.getSecString(s.key, s.text, log);
-               })),
-      emptying("getSecStringX", holding([](SecretString& held, Scene& s, LogBase& log) {
-                 return held.getSecStringX(s.key, s.wide, log);
-               })),
-      emptying("getSecData", holding([](SecretString& held, Scene& s, LogBase& log) {
-                 return held.getSecData(s.key, s.buffer, log);
-               })),
-      emptying("copySecretFrom",
-               [](Scene& s) {
-                 LogNull log;
-                 SecretData first, second;
-                 DataBuffer otherKey;
-                 if (!first.setSecretFromBuffer(otherKey, s.source)) return false;
-                 second.copySecretFrom(s.key, otherKey, first);
-                 return !second.isEmpty() && second.getSecret(s.key, s.buffer, log);
-               }),
-      emptying("copyAndPadForEncryption",
-               [](Scene& s) {
-                 LogNull log;
-                 s.buffer.copyAndPadForEncryption(s.source, 0, 16, log);
-               }),
-      random(emptying("copyAndPadForEncryption, random",
-                      [](Scene& s) {
-                        LogNull log;
-                        s.buffer.copyAndPadForEncryption(s.source, 1, 16, log);
-                      })),
-      alwaysTrue(extending("padForEncryption 0", padding(0))),
-      alwaysTrue(random(extending("padForEncryption 1", padding(1)))),
-      alwaysTrue(random(extending("padForEncryption 2", padding(2)))),
+      holding("getSecString", &SecretString::getSecString, &Scene::text),
+      holding("getSecStringX", &SecretString::getSecStringX, &Scene::wide),
+      holding("getSecData", &SecretString::getSecData, &Scene::buffer),
+      emptying("copySecretFrom", copySecret),
+      copyAndPad(0),
+      random(copyAndPad(1)),
+      padding(0),
+      random(padding(1)),
+      random(padding(2)),
       op("RefCountedDataBuffer",
          [](Scene& s) {
            auto* const shared = new (std::nothrow) RefCountedDataBuffer;

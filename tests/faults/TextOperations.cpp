@@ -22,8 +22,7 @@ Operation on(std::string what, const std::string& text, Call call) {
 }
 
 bool convertXml(Scene& s) {
-  LogNull log;
-  return s.buffer.convertXmlToUtf8(log);
+  return s.buffer.convertXmlToUtf8(s.log);
 }
 
 template <class Replace>

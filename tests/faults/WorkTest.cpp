@@ -12,6 +12,8 @@
 
 namespace {
 
+LogNull nowhere;
+
 struct Work {
   std::string what, unit;  // the input repeats the unit; it is random where there is none
   std::function<void(const std::string&)> run;
@@ -27,38 +29,32 @@ std::string inputOf(const std::string& unit, std::size_t n) {
 
 template <class Call>
 auto onBuffer(Call call) {
-  return [call](const std::string& input) {
-    LogNull log;
+  return [call](const std::string& input) mutable {
     DataBuffer b;
     std::string lent = input;
     b.borrowData(lent.data(), countOf(lent));
-    call(b, log);
+    call(b);
   };
 }
 
 std::vector<Work> textWorks() {
-  const auto xml = onBuffer([](DataBuffer& b, LogBase& log) { b.convertXmlToUtf8(log); });
+  const auto xml = onBuffer([](DataBuffer& b) { b.convertXmlToUtf8(nowhere); });
   const auto search = [](std::string pattern) {
-    return onBuffer(
-        [pattern](DataBuffer& b, LogBase&) { b.findBytes(bytesOf(pattern), static_cast<s32>(pattern.size())); });
+    return onBuffer([pattern](DataBuffer& b) { b.findBytes(bytesOf(pattern), static_cast<s32>(pattern.size())); });
   };
   return {
       {"convertXmlToUtf8", "<?xml encoding=", xml},
       {"convertXmlToUtf8", "<?xml encoding='koi8-r'?>\xC1", xml},
-      {"getXmlCharset", "encoding = ", onBuffer([](DataBuffer& b, LogBase&) {
-         StringBuffer name;
-         b.getXmlCharset(name);
-       })},
-      {"stripTerminalColorCodes", "\x1b[", onBuffer([](DataBuffer& b, LogBase&) { b.stripTerminalColorCodes(); })},
-      {"stripTerminalColorCodes", "\x1b\x37\x1b[r",
-       onBuffer([](DataBuffer& b, LogBase&) { b.stripTerminalColorCodes(); })},
-      {"processRawPopMime", "\n..", onBuffer([](DataBuffer& b, LogBase&) { b.processRawPopMime(); })},
-      {"consumeUtf8CombiningMarks", "e\xCC\x81",
-       onBuffer([](DataBuffer& b, LogBase&) { b.consumeUtf8CombiningMarks(); })},
+      {"getXmlCharset",
+       "encoding = ", onBuffer([name = StringBuffer()](DataBuffer& b) mutable { b.getXmlCharset(name); })},
+      {"stripTerminalColorCodes", "\x1b[", onBuffer([](DataBuffer& b) { b.stripTerminalColorCodes(); })},
+      {"stripTerminalColorCodes", "\x1b\x37\x1b[r", onBuffer([](DataBuffer& b) { b.stripTerminalColorCodes(); })},
+      {"processRawPopMime", "\n..", onBuffer([](DataBuffer& b) { b.processRawPopMime(); })},
+      {"consumeUtf8CombiningMarks", "e\xCC\x81", onBuffer([](DataBuffer& b) { b.consumeUtf8CombiningMarks(); })},
       {"findBytes", "a", search(std::string(40, 'a') + "b")},
       {"findBytes", "ab", search("b" + std::string(40, 'a'))},
       {"replaceAllOccurances", "ab",
-       onBuffer([](DataBuffer& b, LogBase&) { b.replaceAllOccurances(bytesOf("a"), 1, bytesOf("c"), 1); })},
+       onBuffer([](DataBuffer& b) { b.replaceAllOccurances(bytesOf("a"), 1, bytesOf("c"), 1); })},
       {"StringBuffer::replaceAllOccurances", "ab",
        [](const std::string& input) {
          StringBuffer text;
@@ -73,11 +69,11 @@ std::vector<Work> textWorks() {
          while (view.takeBytes(sizeof out, out)) {
          }
        }},
-      {"charset", "caf\xC3\xA9 \xE6\x97\xA5", onBuffer([](DataBuffer& b, LogBase& log) {
+      {"charset", "caf\xC3\xA9 \xE6\x97\xA5", onBuffer([](DataBuffer& b) {
          DataBuffer out;
          for (const s32 page : {1252, 932, 1200, 54936, 65000, 50220}) {
            out.clear();
-           _vkEncodingConvert().EncConvert(65001, page, b.getData2(), b.size(), out, log);
+           _vkEncodingConvert().EncConvert(65001, page, b.getData2(), b.size(), out, nowhere);
          }
        })},
   };

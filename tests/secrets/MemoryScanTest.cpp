@@ -28,6 +28,17 @@ void makeSecret(u8* to, u32 n, u32 at) {
   for (u32 i = 0; i < n; ++i) to[i] = i >= at && i - at < kMark ? markByte(i - at) : 'x';
 }
 
+// The same as a buffer, with a zero behind it.
+DataBuffer secretOf(u32 n, u32 at) {
+  DataBuffer b;
+  b.secure = 1;
+  EXPECT_TRUE(b.ensureBuffer(n + 1));
+  makeSecret(b.getData2(), n, at);
+  b.getData2()[n] = 0;
+  b.setDataSize_CAUTION(n);
+  return b;
+}
+
 u8 window[1 << 16];  // what was read last; wiped after each look, and not looked at
 
 constexpr u64 kOverlap = 2 * kMark - 1;  // so that a mark on the border is seen whole in the next window
@@ -87,13 +98,7 @@ u32 copiesInMemory() {
 // The caller's own copies are wiped before it returns.
 void useHolders(DataBuffer& key, u32 n, u32 at) {
   LogNull log;
-  DataBuffer plain;
-  plain.secure = 1;
-  ASSERT_TRUE(plain.ensureBuffer(n + 1));
-  makeSecret(plain.getData2(), n, at);
-  plain.getData2()[n] = 0;
-  plain.setDataSize_CAUTION(n + 1);
-
+  DataBuffer plain = secretOf(n, at);
   SecretData data, copy;
   SecretString string;
   DataBuffer otherKey, wrongKey = bufferOf("wrong"), out;
@@ -119,11 +124,7 @@ void useHolders(DataBuffer& key, u32 n, u32 at) {
 // A message whose tag is wrong is decrypted before that shows.
 void decryptChanged(DataBuffer& key, u32 n, u32 at) {
   LogNull log;
-  DataBuffer plain, cipher, out;
-  plain.secure = 1;
-  ASSERT_TRUE(plain.ensureBuffer(n));
-  makeSecret(plain.getData2(), n, at);
-  plain.setDataSize_CAUTION(n);
+  DataBuffer plain = secretOf(n, at), cipher, out;
   ASSERT_TRUE(SymmetricCrypt::encryptBytes(256, nullptr, key, plain.getData2(), n, cipher, log));
   *cipher.getDataAt2(n + 27) ^= 1;
   EXPECT_FALSE(SymmetricCrypt::decryptBytes(256, nullptr, key, cipher.getData2(), n + 28, out, log));
@@ -162,10 +163,7 @@ TEST(MemoryScan, FindsNoSecretThatWasHeld) {
 TEST(MemoryScan, FindsNoKeyThatWasUsed) {
   for (const u32 n : {16u, 24u, 32u, 33u, 64u, 1000u})
     for (u32 at = 0; at <= n - kMark; at += kMark / 2) {
-      DataBuffer key;
-      ASSERT_TRUE(key.ensureBuffer(n));
-      makeSecret(key.getData2(), n, at);
-      key.setDataSize_CAUTION(n);
+      DataBuffer key = secretOf(n, at);
       useHolders(key, 100, 80);
       decryptChanged(key, 100, 80);
     }

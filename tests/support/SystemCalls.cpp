@@ -108,47 +108,34 @@ int __wrap_close(int fd) {
 }
 
 // The mode is only there when a file may be created.
-static mode_t modeIn(int flags, va_list more) {
-  return flags & O_CREAT ? va_arg(more, mode_t) : 0;
-}
+#define WRAP_OPEN(name, parameters, arguments)                              \
+  int __real_##name(parameters, int flags, ...);                            \
+  int __wrap_##name(parameters, int flags, ...);                            \
+  int __wrap_##name(parameters, int flags, ...) {                           \
+    va_list more;                                                           \
+    va_start(more, flags);                                                  \
+    const mode_t mode = flags & O_CREAT ? va_arg(more, mode_t) : 0;         \
+    va_end(more);                                                           \
+    return fails(Call::kOpen) ? -1 : __real_##name(arguments, flags, mode); \
+  }
+#define BOTH(a, b) a, b
 
-int __real_open(const char* path, int flags, ...);
-int __wrap_open(const char* path, int flags, ...);
-int __wrap_open(const char* path, int flags, ...) {
-  va_list more;
-  va_start(more, flags);
-  const mode_t mode = modeIn(flags, more);
-  va_end(more);
-  return fails(Call::kOpen) ? -1 : __real_open(path, flags, mode);
-}
-int __real_openat(int fd, const char* path, int flags, ...);
-int __wrap_openat(int fd, const char* path, int flags, ...);
-int __wrap_openat(int fd, const char* path, int flags, ...) {
-  va_list more;
-  va_start(more, flags);
-  const mode_t mode = modeIn(flags, more);
-  va_end(more);
-  return fails(Call::kOpen) ? -1 : __real_openat(fd, path, flags, mode);
-}
+WRAP_OPEN(open, const char* path, path)
+WRAP_OPEN(openat, BOTH(int fd, const char* path), BOTH(fd, path))
+#undef WRAP_OPEN
 
-ssize_t __real_read(int fd, void* to, size_t n);
-ssize_t __wrap_read(int fd, void* to, size_t n);
-ssize_t __wrap_read(int fd, void* to, size_t n) {
-  ssize_t answer = 0;
-  return intercepts(Call::kRead, n, answer) ? answer : __real_read(fd, to, n);
-}
-ssize_t __real_write(int fd, const void* from, size_t n);
-ssize_t __wrap_write(int fd, const void* from, size_t n);
-ssize_t __wrap_write(int fd, const void* from, size_t n) {
-  ssize_t answer = 0;
-  return intercepts(Call::kWrite, n, answer) ? answer : __real_write(fd, from, n);
-}
-ssize_t __real_getrandom(void* to, size_t n, unsigned flags);
-ssize_t __wrap_getrandom(void* to, size_t n, unsigned flags);
-ssize_t __wrap_getrandom(void* to, size_t n, unsigned flags) {
-  ssize_t answer = 0;
-  return intercepts(Call::kRandom, n, answer) ? answer : __real_getrandom(to, n, flags);
-}
+#define WRAP_MOVE(name, parameters, call, arguments)                       \
+  ssize_t __real_##name parameters;                                        \
+  ssize_t __wrap_##name parameters;                                        \
+  ssize_t __wrap_##name parameters {                                       \
+    ssize_t answer = 0;                                                    \
+    return intercepts(call, n, answer) ? answer : __real_##name arguments; \
+  }
+
+WRAP_MOVE(read, (int fd, void* to, size_t n), Call::kRead, (fd, to, n))
+WRAP_MOVE(write, (int fd, const void* from, size_t n), Call::kWrite, (fd, from, n))
+WRAP_MOVE(getrandom, (void* to, size_t n, unsigned flags), Call::kRandom, (to, n, flags))
+#undef WRAP_MOVE
 }
 
 namespace faults {
