@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/Bytes.h"
+#include "tests/support/GuardedBytes.h"
 
 namespace {
 
@@ -29,7 +30,8 @@ bool byte(const DataBuffer& b, u32& cursor, std::string& out) {
   return done;
 }
 
-// Every field at every cursor, in a buffer whose capacity reaches far behind its size, and in one without a block.
+// Every field at every cursor: in a buffer whose capacity reaches far behind its size, in blocks that begin and end at
+// an unreadable page, and without a block.
 TEST(Cursor, StaysInTheBytesInUse) {
   const struct {
     u32 width;
@@ -48,7 +50,12 @@ TEST(Cursor, StaysInTheBytesInUse) {
       {0, bytes<DataBuffer, &DataBuffer::parseData, 0>, "", ""},
       {0, bytes<StringBuffer, &DataBuffer::parseString, 0>, "", ""},
   };
-  for (const DataBuffer& b : {bufferOf(fromHex("01 02 03 84 05 06 07 FE 09 0A")), DataBuffer()})
+  const std::string content = fromHex("01 02 03 84 05 06 07 FE 09 0A");
+  GuardedBytes forwards(content.size()), backwards(content.size());
+  DataBuffer buffers[] = {bufferOf(content), {}, {}, {}};
+  buffers[1].borrowData(forwards.ending(content), 10);
+  buffers[2].borrowData(backwards.starting(content), 10);
+  for (const DataBuffer& b : buffers)
     for (const auto& field : kFields)
       for (const u32 start : {0U, 2U, 3U, 6U, 7U, 8U, 9U, 10U, 11U, 0xFFFFFFF8U, 0xFFFFFFFFU}) {
         const bool fits = field.width == 0 || (start <= b.size() && b.size() - start >= field.width);

@@ -47,8 +47,10 @@ TEST(Ownership, PassesBetweenBuffers) {
   a.borrowData(lent, 3);
   a.takeData_kb(b);  // a lent block is only forgotten
   EXPECT_EQ(stateOf(a) + stateOf(b), "b of 20000 of 0, no block");
-  a.takeDataPtr(nullptr);
-  EXPECT_EQ(stateOf(a), " of 20000");
+  b.takeData_kb(a);  // and here there is none to leave
+  EXPECT_EQ(stateOf(b) + stateOf(a), "b of 20000 of 0, no block");
+  b.takeDataPtr(nullptr);
+  EXPECT_EQ(stateOf(b), " of 20000");
 }
 
 TEST(Ownership, AdoptsLendsAndHandsOut) {
