@@ -1,5 +1,5 @@
-// The tool out of memory: each command, as the examples of its help have it, with every allocation refused in turn, once
-// and for good. It does its work or says why not, with its status, and files are the old or the new ones.
+// The tool out of memory: each command, as the examples of its help have it, with every allocation refused in turn,
+// once and for good. It does its work or says why not, with its status, and files are the old or the new ones.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <openssl/crypto.h>
@@ -91,9 +91,9 @@ u32 refuseEach(const std::string& line) {
     const auto at = files.find(file.first);
     return at != files.end() && (isRepeatable ? at->second == file.second : at->second.size() == file.second.size());
   };
-  u32 refusals = 0;
+  u32 refusals = 0;  // of the parser's allocations, which come first, only some
   for (const bool forGood : {false, true})
-    for (u64 k = 1;; k += soaks() || k + 128 > whole.allocations ? 1 : 1 + whole.allocations / 32) {  // the parser's go first
+    for (u64 k = 1;; k += soaks() || k + 128 > whole.allocations ? 1 : 1 + whole.allocations / 32) {
       restore(before);
       const Ended now = run(words, static_cast<u32>(k), forGood);
       if (!now.struck) break;

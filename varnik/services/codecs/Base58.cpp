@@ -95,7 +95,7 @@ u8* putFive(u32 value, u8* end) {
 // Writes the characters of up to 64 bytes, the first not zero. How many rounds there are, and which limbs each touches,
 // follows from `n` alone: a round takes more than 58 bits away.
 u32 putSmall(const u8* data, u32 n, u8* to) {
-  constexpr u32 kRoundBits = 58;
+  constexpr s32 kRoundBits = 58;
   u64 limbs[kSmallBytes / 8];
   u8 chars[kSmallDigits + 12] = {};
   vk_num::bytesToLimbs(data, n, limbs);
