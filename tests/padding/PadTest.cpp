@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <openssl/evp.h>
 
 #include <set>
 
@@ -153,31 +152,6 @@ TEST(TlsPadding, IsCheckedByteForByte) {
   EXPECT_TRUE(!adopted.verifyTlsPadding(log) && adopted.unpadAfterDecryption(0, 16, log));
   EXPECT_STREQ(log.getText(), "error: data is null\n");
   adopted.dropData();
-}
-
-// AES-128-CBC of OpenSSL, with its own padding on or off.
-std::string aesCbc(bool encrypts, bool pads, std::string_view in) {
-  const std::string key(16, 'k'), iv(16, 'i');
-  std::string out(in.size() + 32, '\0');
-  int count = 0, last = 0;
-  EVP_CIPHER_CTX* context = EVP_CIPHER_CTX_new();
-  EVP_CipherInit_ex2(context, EVP_aes_128_cbc(), bytesOf(key), bytesOf(iv), encrypts ? 1 : 0, nullptr);
-  EVP_CIPHER_CTX_set_padding(context, pads ? 1 : 0);
-  auto* to = reinterpret_cast<u8*>(out.data());
-  const bool done = EVP_CipherUpdate(context, to, &count, bytesOf(in), static_cast<int>(in.size())) == 1 &&
-                    EVP_CipherFinal_ex(context, to + count, &last) == 1;
-  EVP_CIPHER_CTX_free(context);
-  return done ? out.substr(0, static_cast<std::size_t>(count + last)) : "(failed)";
-}
-
-TEST(Pad, InteroperatesWithOpenSsl) {
-  for (u32 length = 0; length <= 64; ++length) {
-    const std::string data = randomBytes(length, length + 1);
-    DataBuffer b = bufferOf(data), c = bufferOf(aesCbc(false, false, aesCbc(true, true, data)));
-    b.padForEncryption(0, 16, nowhere);
-    EXPECT_TRUE(aesCbc(false, true, aesCbc(true, false, textOf(b))) == data) << length;
-    EXPECT_TRUE(c.unpadAfterDecryption(0, 16, nowhere) && textOf(c) == data) << length;
-  }
 }
 
 }  // namespace

@@ -44,7 +44,10 @@ inline std::string textOf(const StringBuffer& s) {
 /// A buffer as "CONTENT of CAPACITY", and what else there is to say of it.
 inline std::string stateOf(const DataBuffer& b) {
   return textOf(b) + " of " + std::to_string(b.getBufSize()) + (b.getData2() ? "" : ", no block") +
-         (b.heapUsage() == b.getBufSize() ? "" : ", lent") + (b.secure ? ", secure" : "");
+         (b.heapUsage() == b.getBufSize() ? ""
+          : b.heapUsage() == 0            ? ", lent"
+                                          : ", miscounted") +
+         (b.secure ? ", secure" : "");
 }
 
 inline const u8* bytesOf(std::string_view s) {
