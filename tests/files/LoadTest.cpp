@@ -67,6 +67,7 @@ TEST(Load, WholeFilesWithZerosBehind) {
 
 TEST(Load, SplitsHeaderAndBody) {
   const TempFolder folder;
+  const std::string kLong(66'048, 'h');
   const struct {
     const char* what;
     std::string content;
@@ -77,6 +78,7 @@ TEST(Load, SplitsHeaderAndBody) {
   } kCases[] = {
       {"the limit counts the prefix", kSample, 10, true, true, "header", "body", 0},
       {"a limit that is too low", kSample, 9, false, false, "", "", 1},
+      {"a long header", "\4\2\1\0"s + kLong + "ab", 66'052, true, true, kLong, "ab", 0},
       {"no header", "\4\0\0\0body"s, 100, false, true, "", "", 1},
       {"below the least", "\3\0\0\0body"s, 100, false, false, "", "", 1},
       {"no body", "\6\0\0\0ab"s, 100, true, true, "ab", "", 0},
