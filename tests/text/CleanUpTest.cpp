@@ -30,12 +30,12 @@ void check(const std::vector<Case>& cases, Operation operation) {
 // unreadable pages.
 template <class Operation, class Model>
 void compare(std::string_view alphabet, Operation operation, Model model) {
-  GuardedBytes area(2000);
+  GuardedBytes area(2100);
   for (u32 seed = 0; seed < 3000; ++seed) {
     Random random(seed);
     const u32 n = seed < 300 ? seed : random.below(1000);
     std::string given = random.text(n, alphabet);
-    if (seed % 3 != 0) given += std::string(random.below(seed % 9 == 1 ? 900 : 200), 'x') + random.text(20, alphabet);
+    if (seed % 3 != 0) given += std::string(random.below(seed % 9 == 1 ? 900 : 200), 'x') + random.text(60, alphabet);
     if (given.empty()) continue;
     DataBuffer b;
     b.borrowData(area.ending(given), countOf(given));
