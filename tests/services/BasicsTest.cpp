@@ -50,7 +50,8 @@ TEST(Text, Helpers) {
                                             {" 1", 0u, 0u},
                                             {"4294967295", 4294967295u, 10u},
                                             {"4294967297", 4294967295u, 10u},
-                                            {"00000000000000000000000000000000000000000012,", 12u, 44u}}) {
+                                            {"00000000000000000000000000000000000000000012,", 12u, 44u},
+                                            {static_cast<const char*>(nullptr), 0u, 0u}}) {
     u32 consumed = 99;
     EXPECT_EQ(vk_parseDecimal(given, consumed), value) << given;
     EXPECT_EQ(consumed, taken) << given;
