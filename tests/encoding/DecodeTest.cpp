@@ -65,7 +65,8 @@ const struct {
     {2,
      {"a=\r\nb=\nc|abc", "a= \t\r\nb|ab", "a \t=\r\nb|a \tb", "a \t\r\nb \nc |a\r\nb\nc",
       "a=20\r\nb=20 \r\n|a \r\nb \r\n", "=c3=a9=Cf|\xC3\xA9\xCF", "a\nb\n|a\nb\n", "a\rb \r|a\rb \r",
-      "a=b=4=xy==41=|a=b=4=xy=A=", "a==\r\nb|a=b", "a=|a=", "a= |a=", "a=4|a=4", "=\r\n|", "\r\n\n\r\n|\r\n\n\r\n"}},
+      "a=b=4=xy==41=|a=b=4=xy=A=", "a==\r\nb|a=b", "a=|a=", "a= |a=", "a \t|a", "=41\t|A", "a=4|a=4", "=\r\n|",
+      "\r\n\n\r\n|\r\n\n\r\n"}},
     // Blanks between words go, split characters join, what is no word stays.
     {26,
      {"(=?ISO-8859-1?Q?a?= b)|(a b)", "=?utf-8?Q?a?= \r\n\t=?UTF-8?b?Yg==?=|ab", "=?utf-8?Q?a?= =?utf-8?Q?_b?=|a b",
