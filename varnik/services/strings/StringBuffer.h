@@ -37,9 +37,9 @@ class VARNIK_API StringBuffer {
   bool append(const DataBuffer& bytes);
   /// Appends exactly `n` bytes, whatever their values; null or 0 appends nothing and answers true.
   bool appendN(const char* bytes, u32 n) {
-    if (bytes && n != 0 &&
-        n < capacity_ - size_) {  // capacity_ > size_ whenever there is storage: the NUL has its place
-      __builtin_memmove(data_ + size_, bytes, n);
+    // Where there is storage capacity_ > size_: the NUL has its place.
+    if (bytes && n != 0 && n < capacity_ - size_) {
+      __builtin_memmove(data_ + size_, bytes, n);  // NOLINT(clang-analyzer-unix.cstring.NullArg): room means a block
       setEnd(size_ + n);
       return true;
     }
@@ -115,7 +115,7 @@ class VARNIK_API StringBuffer {
   bool makeRoom(u32 n);
   void setEnd(u32 size) {
     size_ = size;
-    data_[size] = 0;  // NOLINT(clang-analyzer-core.NullDereference): where there is room there is a block
+    data_[size] = 0;  // NOLINT(clang-analyzer-core.NullDereference): room means a block
   }
   void release();
 
