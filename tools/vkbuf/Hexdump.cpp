@@ -12,6 +12,7 @@
 #include "tools/vkbuf/Commands.h"
 #include "tools/vkbuf/DumpReader.h"
 #include "tools/vkbuf/Job.h"
+#include "tools/vkbuf/Memory.h"
 #include "tools/vkbuf/Text.h"
 
 namespace {
@@ -96,9 +97,11 @@ struct CanonicalForm {
 class Digits {
  public:
   static constexpr u32 kPart = 15 * 1024;
+  /// The digits of data[0, n), until the next call.
   const char* of(const u8* data, u32 n) {
     text_.weakClear();
     DataBuffer::encodeDB2("hexlower", data, n, text_);
+    checkMemory();  // there may be fewer digits than are looked at
     return text_.getString();
   }
 
