@@ -171,7 +171,7 @@ TEST(Kernels, UuLines) {
     });
   };
   const Pieces lines = {line('!', "\n"), line('`', "\r\n"), line(' ', "\n"), line('5', "\n"), line('Z', "\r\n")};
-  hold(VARNIK_FORMS(readUuLines), {lines, {line('C', "\n"), line('C', "\n"), line('C', "!")}}, line('`', "\n"), read);
+  hold(VARNIK_FORMS(readUuLines), {lines, {line('C', "\n"), line('C', "\r!"), line('C', "!")}}, line('`', "\n"), read);
 }
 
 constexpr auto isLowerCase = [](u8 b) { return b >= 'a' && b <= 'z'; };
