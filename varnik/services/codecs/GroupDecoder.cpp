@@ -157,12 +157,11 @@ bool Decoding::decodeLastGroup(const char* chars, u32 n) {
   char group[kMostChars];
   word = littleEndian(word);
   std::memcpy(group, &word, sizeof word);
-  u8 bytes[sizeof word] = {};
+  u8* const bytes = to_ + written_;
   if (f_.decode(group, f_.chars, bytes) != f_.chars) return false;
-  std::memcpy(&word, bytes, sizeof word);
-  word = littleEndian(word);
-  if (word >> (8 * count) != 0) return false;
-  for (u32 k = 0; k < count; ++k, word >>= 8) to_[written_ + k] = static_cast<u8>(word);
+  u8 spare = 0;
+  for (u32 k = count; k < f_.bytes; ++k) spare |= bytes[k];
+  if (spare != 0) return false;
   written_ += count;
   return true;
 }
@@ -200,7 +199,8 @@ DecodeResult Decoding::run() {
 
 DecodeResult decodeGroups(const GroupFormat& format, const char* text, u32 n, DataBuffer& out) {
   if (n == 0) return DecodeResult::good();
-  u8* const to = roomFor(out, (u64{n} + format.chars - 1) / format.chars * format.bytes);
+  const u64 groups = n / format.chars + u64{n % format.chars != 0};
+  u8* const to = roomFor(out, groups * format.bytes);
   if (!to) return DecodeResult::noMemory();
   Decoding decoding(format, text, n, to);
   const DecodeResult result = decoding.run();
