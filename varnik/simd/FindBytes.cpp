@@ -160,15 +160,28 @@ inline u32 mismatchShort(const u8* a, const u8* b, u32 n) {
 
 namespace {
 
+// Whether up to 16 bytes are equal: two words, which may overlap.
+inline bool equalShort(const u8* a, const u8* b, u32 n) {
+  if (n >= 8) return (difference<u64>(a, b) | difference<u64>(a + n - 8, b + n - 8)) == 0;
+  if (n >= 4) return (difference<u32>(a, b) | difference<u32>(a + n - 4, b + n - 4)) == 0;
+  return mismatchScalar(a, b, n) == n;
+}
+
+[[VARNIK_AVX2]] inline bool equalLong(const u8* a, const u8* b, u32 n) {
+  return (n < 32 ? mismatchShort(a, b, n) : mismatchAvx2(a, b, n)) == n;
+}
+
 // Data so short that neither a call of memchr nor learning is worth its price: the pattern's ends at 32 places at once.
-// The last block ends where the places end; what it sees twice is no occurrence.
+// The last block ends where the places end; what it sees twice is no occurrence. A function for each kind of pattern,
+// as the one that calls nothing keeps all in registers.
+template <bool isShort>
 [[VARNIK_AVX2]] u32 findShort(const u8* data, u32 n, const u8* pattern, u32 m) {
   const u32 places = n - m + 1;
   for (u32 i = 0;; i = places - i >= 64 ? i + 32 : places - 32) {
     const __m256i ends = _mm256_and_si256(equalTo(data + i, pattern[0]), equalTo(data + i + m - 1, pattern[m - 1]));
     for (u32 bits = bitsOf(ends); bits != 0; bits &= bits - 1) {
       const u32 at = i + static_cast<u32>(__builtin_ctz(bits));
-      if ((m < 32 ? mismatchShort(data + at, pattern, m) : mismatchAvx2(data + at, pattern, m)) == m) return at;
+      if (isShort ? equalShort(data + at, pattern, m) : equalLong(data + at, pattern, m)) return at;
     }
     if (i == places - 32) return n;
   }
@@ -180,7 +193,8 @@ namespace {
 [[VARNIK_AVX2]] u32 findBytesAvx2(const u8* data, u32 n, const u8* pattern, u32 m) {
   constexpr u32 kShort = 256;
   const u32 places = n - m + 1;
-  if (places >= 32 && places <= kShort) return findShort(data, n, pattern, m);
+  if (places >= 32 && places <= kShort)
+    return m <= 16 ? findShort<true>(data, n, pattern, m) : findShort<false>(data, n, pattern, m);
   const void* hit = std::memchr(data, pattern[0], places);
   if (!hit) return n;
   const u32 at = static_cast<u32>(static_cast<const u8*>(hit) - data);
