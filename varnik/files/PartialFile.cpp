@@ -64,10 +64,11 @@ bool readHeader(FileHandle& file, XString& path, u32 n, DataBuffer& header, LogB
 
 bool DataBuffer::loadFileWithHeaderUtf8(const char* path, DataBuffer& header, u32 maxHeaderLen, LogBase& log) {
   if (!isValid() || !_vkFileSys::js_validate_read_perm(log, true)) return false;
-  deallocate();
 
   XString name;
-  name.setFromUtf8(path);
+  name.setFromUtf8(path);  // before the storage goes: the path may lie in it
+  deallocate();
+
   FileHandle file;
   LogNull nowhere;
   if (!open(file, name, nowhere)) return false;
@@ -87,10 +88,11 @@ bool DataBuffer::loadFileWithHeaderUtf8(const char* path, DataBuffer& header, u3
 
 bool DataBuffer::loadCacheHeaderUtf8(const char* path, u32 maxHeaderLen, LogBase& log) {
   if (!isValid() || !_vkFileSys::js_validate_write_perm(log, true)) return false;
-  deallocate();
 
   XString name;
-  name.setFromUtf8(path);
+  name.setFromUtf8(path);  // before the storage goes: the path may lie in it
+  deallocate();
+
   FileHandle file;
   LogNull nowhere;
   if (!open(file, name, nowhere)) return false;
@@ -110,10 +112,11 @@ bool DataBuffer::loadFileChunk(const char* path, s64 offset, u32 maxLen, LogBase
   if (!isValid() || !path || offset < 0 || maxLen == 0) return false;
   if (!_vkFileSys::js_validate_read_perm(log, true)) return false;
   const LogContextExitor context(log, "loadFileChunk");
-  deallocate();
 
   XString name;
-  name.setFromUtf8(path);
+  name.setFromUtf8(path);  // before the storage goes: the path may lie in it
+  deallocate();
+
   FileHandle file;
   if (!open(file, name, log)) return false;
   const s64 available = file.getFileSize64(log) - offset;  // negative when the length is not to be had
