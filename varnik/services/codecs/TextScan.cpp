@@ -1,6 +1,7 @@
 #include "varnik/services/codecs/TextScan.h"
 
 #include "varnik/services/memory/Text.h"
+#include "varnik/simd/GatherText.h"
 
 namespace {
 
@@ -15,6 +16,7 @@ s32 TextScan::scanOne(const char* text, const char* format, s32* value) {
   for (; *format != 0 && !(format[0] == '%' && format[1] == 'd'); ++format, ++text)
     if (*text == 0 || lower(*text) != lower(*format)) return 0;
   if (*format == 0) return 0;
+  while (vk_simd::isWhiteSpace(*text)) ++text;
   const bool negative = *text == '-';
   if (negative || *text == '+') ++text;
   u32 digits = 0;
