@@ -192,7 +192,7 @@ std::string_view alphabetOf(s32 id) {
     case 18:
       return "0123456789ABCDEFabcdef:";
     case 30:
-      return "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz234567=";
+      return "ABCDEFGHIJKLMNOPQRSTUVWXYZ234567=";
     case 7:
       return "123456789ABCDEFGHJKLMNPQRSTUVWXYZabcdefghijkmnopqrstuvwxyz";
     case 17:
