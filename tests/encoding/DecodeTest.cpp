@@ -5,6 +5,7 @@
 #include "tests/support/Bytes.h"
 #include "tests/support/GuardedBytes.h"
 #include "varnik/encoding/internal/DecodeText.h"
+#include "varnik/services/codecs/UrlCodec.h"
 
 namespace {
 
@@ -75,8 +76,9 @@ const struct {
       "=?shift_jis?B?g2U=?= =?Shift_JIS?Q?=83?= =?shift_jis?Q?=4C?=|\u30C6\u30AD",
       "=?iso-8859-1?q?=E9?= =?utf-8?q?=C3=A9?=|\u00E9\u00E9", "=?utf-8?q?a b=?=|a b=", "=?utf-8?q?\?=x|x",
       "=?utf-8?b?QQ?=|A", "a =? b ?= =?utf-8?z?a?= =?x?|a =? b ?= =?utf-8?z?a?= =?x?",
-      "=?utf-8?q?a\r\nb?=|=?utf-8?q?a\r\nb?=", "=?x-none?q?a?= =?utf-8?q?b?=|=?x-none?q?a?= b|0",
-      "x =?utf-8?b?QUJD!?= y|x ABC y|16", "=?utf-8?q?a=4gb?=|a=4gb", "a =?us-ascii?q?=FF?=|a \uFFFD|2"}},
+      "=?utf-8?q?a\r\nb?=|=?utf-8?q?a\r\nb?=", "=?utf-8?q?a\rb?= =?utf-8?q?c?=|=?utf-8?q?a\rb?= c",
+      "=?x-none?q?a?= =?utf-8?q?b?=|=?x-none?q?a?= b|0", "x =?utf-8?b?QUJD!?= y|x ABC y|16", "=?utf-8?q?a=4gb?=|a=4gb",
+      "a =?us-ascii?q?=FF?=|a \uFFFD|2"}},
     // A count against its line, what is lost on the way, no end.
     {37,
      {"Hello,\nbegin to read\nbegin 644 /etc/passwd\n#0V%T\n`\nend\n-- \nme|Cat",
@@ -159,7 +161,7 @@ TEST(Decode, KnowsNamesCharsetsAndNothing) {
   }
   DataBuffer out;
   EXPECT_TRUE(out.appendEncodedById(nullptr, 1) && out.appendEncodedById("", -7) && out.appendDecList(nullptr) &&
-              out.appendDecList("") && out.empty());
+              out.appendDecList("") && UrlCodec::urlDecode("", out) && out.empty());
   for (const s32 id : {5, 8, 9, 11, 12, 13, 14, 15, 16, 27, 28, 29, 31, 32, 33, 34, 35, 36, 38, -1, 0x7FFFFFFF})
     EXPECT_TRUE(!out.appendEncodedById("A", id) && out.empty()) << id;  // no code page has that number
 }

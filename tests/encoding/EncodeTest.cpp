@@ -228,6 +228,9 @@ TEST(Encode, RefusesWhatDoesNotFit) {
   EXPECT_FALSE(
       ContentEncoder::encodeBase64(few, 0xC0000000, text) || ContentEncoder::encodeModBase64(few, 0xFFFFFFFF, text) ||
       ContentEncoder().encodeBase64Mime(few, 0xBD000000, text) || ContentEncoder::encodeBase32(few, 0xA0000000, text));
+  LogNull log;
+  EXPECT_TRUE(ContentEncoder::encodeBase32(few, 0, text) && ContentEncoder::encodeBase45(few, 0, text, log) &&
+              ContentEncoder::encodeBase58(few, 0, text, log));
   EXPECT_EQ(textOf(text), "kept");
   EXPECT_TRUE(Uu().uu_encode(bufferOf("Cat"), "600", "cat.txt", text) && Uu().uu_encode({}, nullptr, nullptr, text));
   EXPECT_EQ(textOf(text), "keptbegin 600 cat.txt\n#0V%T\n`\nend\nbegin 644 data\n`\nend\n");

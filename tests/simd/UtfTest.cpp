@@ -65,7 +65,7 @@ TEST(Utf, FormsAgree) {
     for (const Utf from : kAll) {
       std::string text = from == Utf::k8 ? utf8 : inForm(from, utf8);
       if (seed % 2 && from != Utf::k8)
-        for (u32 i = seed % 5; i < text.size(); i += 37) text[i] = static_cast<char>(0xD8 + i % 8);
+        for (u32 i = seed % 5; i < text.size(); i += seed % 3 == 0 ? 4 : 37) text[i] = static_cast<char>(0xD8 + i % 8);
       text.resize(text.size() - std::min<std::size_t>(text.size(), seed % 4));
       for (const Utf to : kAll) {
         const Result want = run(vk_simd::convertUtfScalar, from, to, text, 1 << 17);
@@ -87,20 +87,30 @@ TEST(Utf, FormsAgree) {
   }
 }
 
-// A character of each length, and a bad byte, at each place of a text of each length.
+// A character of each length, and a bad byte, at each place of a text of each length, in the room that it needs, in
+// more and in less.
 TEST(Utf, EachCharacterAtEachPlace) {
   for (u32 n = 0; n <= 140; ++n)
-    for (const char* piece : {"\u00E9", "\u20AC", "\U0001F600", "\xE2\x82", "\xBF"})
+    for (const char* piece : {"x", "\u00E9", "\u20AC", "\U0001F600", "\xE2\x82", "\xBF"})
       for (u32 at = 0; at <= n; at += 1 + at / 70) {
         std::string text(n, 'x');
         text.insert(at, piece);
         for (const Utf to : {Utf::k8, Utf::k16Le, Utf::k16Be, Utf::k32Le}) {
-          const Result want = run(vk_simd::convertUtfScalar, Utf::k8, to, text, 4096);
-          for (const auto& form : VARNIK_FORMS(convertUtf)) {
-            ASSERT_EQ(run(form.run, Utf::k8, to, text, countOf(want.text)), want) << form.name << n << " " << at;
-            if (want.bad || to == Utf::k8) continue;
-            ASSERT_EQ(run(form.run, to, Utf::k8, want.text, countOf(text)), (Result{text, false})) << form.name << n;
+          const Result whole = run(vk_simd::convertUtfScalar, Utf::k8, to, text, 4096);
+          const u32 exact = countOf(whole.text), n8 = countOf(text);
+          for (const u32 room : {exact, exact + 256, 64 * n % (exact + 1)}) {
+            const Result want = run(vk_simd::convertUtfScalar, Utf::k8, to, text, room);
+            for (const auto& form : VARNIK_FORMS(convertUtf))
+              ASSERT_EQ(run(form.run, Utf::k8, to, text, room), want) << form.name << n << " " << at << " " << room;
           }
+          if (whole.bad || to == Utf::k8) continue;
+          for (const u32 cut : {0u, 1u})  // of the last unit
+            for (const u32 room : {n8, n8 + 256, 32 * n % n8}) {
+              const std::string units = whole.text.substr(0, exact - cut);
+              const Result want = run(vk_simd::convertUtfScalar, to, Utf::k8, units, room);
+              for (const auto& form : VARNIK_FORMS(convertUtf))
+                ASSERT_EQ(run(form.run, to, Utf::k8, units, room), want) << form.name << n << " " << at << " " << room;
+            }
         }
       }
 }
