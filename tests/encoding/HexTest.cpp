@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "tests/support/Allocations.h"
 #include "tests/support/Bytes.h"
 
 namespace {
@@ -52,6 +53,19 @@ TEST(Hex, RendersLines) {
   StringBuffer out;
   cleared.clear(), cleared.toHexLines(out, 4), DataBuffer().toHexLines(out, 4);
   EXPECT_TRUE(out.isEmpty());
+}
+
+TEST(Hex, GoesAsFarAsMemoryDoes) {
+  const std::string bytes = randomBytes(1000);
+  for (const bool colons : {false, true}) {
+    StringBuffer out;
+    ASSERT_TRUE(out.getAppendPtr(900));
+    {
+      const faults::FailAllocation fail(1, true);
+      DataBuffer::toHexString2(bytesOf(bytes), countOf(bytes), colons, out);
+    }
+    EXPECT_TRUE(hexOf(bytes, colons).starts_with(textOf(out)) && out.getSize() > 400) << out.getSize();
+  }
 }
 
 TEST(Hex, RendersTheStringItself) {

@@ -1,3 +1,5 @@
+#include <gtest/gtest.h>
+
 #include "tests/faults/Operations.h"
 
 namespace faults {
@@ -29,7 +31,10 @@ template <class Replace>
 auto replacing(const char* find, Replace replace) {
   return [=](Scene& s) {
     XString found, with;
-    return found.setFromUtf8(find) && with.setFromUtf8("a longer text") && replace(s.buffer, found, with) != 0;
+    if (!found.setFromUtf8(find) || !with.setFromUtf8("a longer text")) return false;
+    const u32 before = s.buffer.getSize(), count = replace(s.buffer, found, with);
+    EXPECT_EQ(count != 0, s.buffer.getSize() != before);
+    return count != 0;
   };
 }
 
