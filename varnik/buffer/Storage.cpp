@@ -109,7 +109,6 @@ bool DataBuffer::expandBuffer(u32 n) {
 }
 
 bool DataBuffer::canAppendWithoutRealloc(u32 n) const {
-  if (n == 0) return true;
   return isValid() && u64{size_} + n <= capacity_;
 }
 
