@@ -33,7 +33,7 @@ bool DataBuffer::beginsWith(const u8* prefix, s32 n) const {
 bool DataBuffer::endsWithStr(const char* text) const {
   if (!text) return false;
   const u32 n = vk_strlen(text);
-  return n <= size_ && vk_memcmp(data_ + (size_ - n), text, n) == 0;
+  return n == 0 || (data_ && n <= size_ && vk_memcmp(data_ + (size_ - n), text, n) == 0);
 }
 
 bool DataBuffer::containsSubstring2(const char* text, u32 startIndex, u32 maxLen, u32& index) const {
