@@ -251,6 +251,7 @@ TEST(Storage, RefusesADestroyedObject) {
       {"appendNullTerminatedUtf16_xe", [&] { return b->appendNullTerminatedUtf16_xe(nullptr); }},
       {"appendNullTerminatedUtf32_xe", [&] { return b->appendNullTerminatedUtf32_xe(nullptr); }},
       {"appendEncoded", [&] { return b->appendEncoded("414243", "hex"); }},
+      {"appendEncoded to a charset", [&] { return b->appendEncoded("abc", "iso-8859-1"); }},
       {"toHexString", [&] { return b->toHexString(out), !out.isEmpty(); }},
       {"toHexLines", [&] { return b->toHexLines(out, 16), !out.isEmpty(); }},
       {"padForEncryption", [&] { return b->padForEncryption(0, 16, log) != 0; }},
