@@ -79,6 +79,12 @@ const struct {
       "=?utf-8?q?a\r\nb?=|=?utf-8?q?a\r\nb?=", "=?utf-8?q?a\rb?= =?utf-8?q?c?=|=?utf-8?q?a\rb?= c",
       "=?x-none?q?a?= =?utf-8?q?b?=|=?x-none?q?a?= b|0", "x =?utf-8?b?QUJD!?= y|x ABC y|16", "=?utf-8?q?a=4gb?=|a=4gb",
       "a =?us-ascii?q?=FF?=|a \uFFFD|2"}},
+    // Charsets that shift end their words where they began.
+    {26,
+     {"=?iso-2022-jp?B?GyRCRnwbKEI=?= =?iso-2022-jp?B?GyRCS1wbKEI=?=|\u65E5\u672C",
+      "=?iso-2022-jp?B?GyRCRg==?= =?iso-2022-jp?B?fBsoQg==?=|\u65E5",
+      "=?iso-2022-kr?B?GyQpQw5HUQ8=?= =?iso-2022-kr?B?GyQpQw4xWw8=?=|\uD55C\uAE00",
+      "=?hz-gb-2312?B?fntIVX59?= =?hz-gb-2312?Q?~{1>~}?=|\u65E5\u672C"}},
     // A count against its line, what is lost on the way, no end.
     {37,
      {"Hello,\nbegin to read\nbegin 644 /etc/passwd\n#0V%T\n`\nend\n-- \nme|Cat",

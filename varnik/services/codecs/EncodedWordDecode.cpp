@@ -1,6 +1,7 @@
 // Header values with encoded words, RFC 2047, as mail really holds them: words that stand right beside other text or
 // contain blanks are taken, too. RFC 2231 section 5 adds a language to the charset: =?charset*language?form?text?=
 #include <cstring>
+#include <string_view>
 
 #include "varnik/services/charset/CharsetNames.h"
 #include "varnik/services/charset/EncodingConvert.h"
@@ -119,13 +120,22 @@ class Decoder {
   // Words of one charset that stand together are converted together: some mailers split a character.
   bool take(const Word& word, s32 page) {
     const bool adjacent = afterWord_ && isSpace(copied_, word.start);
-    if (!adjacent || page != page_) flush();
+    if (!adjacent || page != page_ || endsInShift()) flush();
     if (!adjacent && !copyUpTo(word.start)) return false;
     if (bytes_.empty()) bytesStart_ = word.start;
     page_ = page;
     afterWord_ = true;
     copied_ = word.end;
     return decode(word, page == kUtf8 ? out_ : bytes_);
+  }
+
+  // ISO 2022 and HZ shift between tables, and their words end with the first one in force again. The converter takes a
+  // shift right behind another, as joined words have it, for an attempt to hide something.
+  bool endsInShift() const {
+    const std::string_view bytes(reinterpret_cast<const char*>(bytes_.getData2()), bytes_.getSize());
+    if (page_ == 52936) return bytes.ends_with("~}");
+    return page_ >= 50220 && page_ <= 50229 &&
+           (bytes.ends_with("\x1B(B") || bytes.ends_with("\x1B(J") || bytes.ends_with('\x0F'));
   }
 
   bool isSpace(u32 from, u32 to) const {
