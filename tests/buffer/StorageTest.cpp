@@ -299,6 +299,7 @@ TEST(Storage, TouchesNothingWhereASizeHasNoBlock) {
       [](DataBuffer& b) { return b.append("x", 1) || b.appendChar('x') || b.appendCharN('x', 2); },
       [](DataBuffer& b) { return b.prepend("x", 1) || b.insertAt(2, "x", 1) || b.prepForSbTake(); },
       [](DataBuffer& b) { return b.getAppendPtr(2) || b.getDataAt2(1) || b.getBufAt(1); },
+      [](DataBuffer& b) { return b.appendEncoded("4142", "hex") || b.appendRandomBytes(2); },
       [](DataBuffer& b) { return b.exclusiveOr(bufferOf("abc"), bufferOf("def")) || b.size() != 3; },
       [](DataBuffer& b) { return b.lastByte() != 0 || b.firstByte() != 0 || b.byteAt(1) != 0; },
       [&](DataBuffer& b) { return out.appendRange(b, 0, 2), out.appendRange2(b, 0, 2), !out.empty(); },

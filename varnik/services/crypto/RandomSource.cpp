@@ -31,7 +31,8 @@ bool RandomSource::generateBytes(u32 n, DataBuffer& out) {
   if (!out.checkValidityDb()) return false;
   if (n == 0) return true;
   if (!out.canAppendWithoutRealloc(n) && !out.expandBuffer(n)) return false;
-  if (!vk_fillRandom(out.getData2() + out.size(), n)) return false;
+  u8* const block = out.getData2();  // none where a caller gave the buffer a capacity alone
+  if (!block || !vk_fillRandom(block + out.size(), n)) return false;
   out.addToSize(n);
   return true;
 }

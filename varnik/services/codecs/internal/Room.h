@@ -9,7 +9,8 @@ namespace vk_codec {
 
 inline u8* appendPtrOf(DataBuffer& out, u32 n) {
   if (!out.checkValidityDb() || (out.getBufSize() - out.getSize() < n && !out.expandBuffer(n))) return nullptr;
-  return out.getData2() + out.getSize();
+  u8* const block = out.getData2();  // none where a caller gave the buffer a capacity alone
+  return block ? block + out.getSize() : nullptr;
 }
 inline u8* appendPtrOf(StringBuffer& out, u32 n) {
   return reinterpret_cast<u8*>(out.getAppendPtr(n));
