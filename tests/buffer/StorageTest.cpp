@@ -295,17 +295,20 @@ TEST(Storage, TouchesNothingWhereASizeHasNoBlock) {
   StringBuffer text;
   DataBuffer out;
   LogNull log;
+  u32 at = 1;
   const std::function<bool(DataBuffer&)> kCalls[] = {
       [](DataBuffer& b) { return b.append("x", 1) || b.appendChar('x') || b.appendCharN('x', 2); },
       [](DataBuffer& b) { return b.prepend("x", 1) || b.insertAt(2, "x", 1) || b.prepForSbTake(); },
       [](DataBuffer& b) { return b.getAppendPtr(2) || b.getDataAt2(1) || b.getBufAt(1); },
-      [](DataBuffer& b) { return b.appendEncoded("4142", "hex") || b.appendRandomBytes(2); },
+      [](DataBuffer& b) { return b.appendEncoded("41", "hex") || b.appendEncoded("a", "iso-8859-1"); },
+      [](DataBuffer& b) { return b.appendRandomBytes(2) || b.isReallyUtf8(1252) || b.numPartialTrailingUtf8Bytes(); },
       [](DataBuffer& b) { return b.exclusiveOr(bufferOf("abc"), bufferOf("def")) || b.size() != 3; },
       [](DataBuffer& b) { return b.lastByte() != 0 || b.firstByte() != 0 || b.byteAt(1) != 0; },
       [&](DataBuffer& b) { return out.appendRange(b, 0, 2), out.appendRange2(b, 0, 2), !out.empty(); },
       [](DataBuffer& b) { return b.applyMask("x", 1), b.replaceChar('a', 'b'), b.drop_non_usascii(), false; },
       [&](DataBuffer& b) { return b.slideTailToFront(2, log), b.equals2("abcde", 5) || b.endsWithStr("de"); },
       [](DataBuffer& b) { return b.dropNullBytes(), b.processRawPopMime(), b.detectObviousCodePage() != -1; },
+      [&](DataBuffer& b) { return !b.encodeDB("base64", text) || b.parseDataEnc(at, 2, "hex", text) || at != 1; },
       [&](DataBuffer& b) { return b.cvUnicodeToUtf8(text), b.cvUnicodeToUtf8_db(out), b.toHexLines(text, 4), false; }};
   for (const auto& call : kCalls) {
     DataBuffer b;

@@ -134,6 +134,7 @@ bool DataBuffer::encodeDB2(const char* encoding, const u8* data, u32 numBytes, S
     out.weakClear();
     return false;
   }
+  if (!data) numBytes = 0;
   return vk_withoutAlias(data, numBytes, out,
                          [&](const u8* bytes) { return encodeAs(*row, name.data(), bytes, numBytes, out); });
 }
@@ -149,7 +150,7 @@ bool DataBuffer::getEncodedRange(const char* encoding, u32 start, u32 count, Str
 
 bool DataBuffer::parseDataEnc(u32& index, u32 numBytes, const char* encoding, StringBuffer& out) const {
   if (numBytes == 0) return true;
-  if (index >= size_ || numBytes > size_ - index) return false;
+  if (!data_ || index >= size_ || numBytes > size_ - index) return false;
   DataBuffer field;  // its memory is asked for before anything is rendered or moved
   field.secure = secure;
   if (!field.append(data_ + index, numBytes)) return false;

@@ -100,7 +100,7 @@ bool DataBuffer::is7bit(u32 maxBytes) const {
 }
 
 bool DataBuffer::isReallyUtf8(s32 codePage) {
-  if (size_ < 2 || !hasTwoBytePair(data_, size_)) return false;
+  if (!data_ || size_ < 2 || !hasTwoBytePair(data_, size_)) return false;
   DataBuffer scratch;
   scratch.secure = secure;
   LogNull log;
@@ -108,7 +108,7 @@ bool DataBuffer::isReallyUtf8(s32 codePage) {
 }
 
 u32 DataBuffer::numPartialTrailingUtf8Bytes() const {
-  const u32 most = std::min(size_, 4u);
+  const u32 most = data_ ? std::min(size_, 4u) : 0;
   for (u32 k = 1; k <= most; ++k) {
     const u8 byte = data_[size_ - k];
     if ((byte & 0xC0) != 0x80) return k < lengthAnnounced(byte) ? k : 0;

@@ -175,7 +175,7 @@ bool run(const CharsetInfo* from, s32 toCodePage, Text text, DataBuffer& out, Lo
     return false;
   }
   if (text.size == 0) return true;
-  if (!text.data || !out.checkValidityDb()) return false;
+  if (!text.data || !out.checkValidityDb() || (!out.getData2() && out.getBufSize() != 0)) return false;
   if (convertAnywhere(withByteOrder(*from, text), *to, text, out)) return true;
   log.LogError_lcr("not all of the text could be converted");
   log.LogDataStr("fromCharset", from->name);
