@@ -44,10 +44,10 @@ TEST(Text, Helpers) {
     char area[10];
     EXPECT_EQ(std::string(area, vk_uintToDecimal(value, area)), std::to_string(value));
   }
-  for (const auto& [given, value, taken] : {std::tuple{"12a", 12u, 2u},
+  for (const auto& [given, value, taken] : {std::tuple{"12:", 12u, 2u},
                                             {"", 0u, 0u},
                                             {"-1", 0u, 0u},
-                                            {" 1", 0u, 0u},
+                                            {"/1", 0u, 0u},
                                             {"4294967295", 4294967295u, 10u},
                                             {"4294967297", 4294967295u, 10u},
                                             {"00000000000000000000000000000000000000000012,", 12u, 44u},

@@ -306,7 +306,7 @@ TEST(Kernels, Scans) {
     static GuardedBytes right(1024);
     return std::to_string(run(data, right.ending(same.substr(0, n)), n));
   });
-  for (const u32 m : {1u, 2u, 3u, 8u, 33u}) {
+  for (const u32 m : {1u, 2u, 3u, 8u, 20u, 33u}) {
     std::string pattern(m, 'a');
     pattern[m / 2] = 'b';
     hold(VARNIK_FORMS(findBytes), {eachOf("aaaaaaaaaaaaaaaaab")}, "a", [&](auto* run, const u8* data, u32 n) {
