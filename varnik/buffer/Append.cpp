@@ -64,7 +64,7 @@ bool DataBuffer::appendRange(const DataBuffer& source, u32 start, u32 n) {
 }
 
 bool DataBuffer::appendRange2(const DataBuffer& source, u32 start, u32 n) {
-  if (start >= source.size_ || source.size_ - start < n) return false;
+  if (start >= source.size_ || source.size_ - start < n || !source.data_) return false;
   return append(source.data_ + start, n);
 }
 

@@ -59,7 +59,7 @@ bool DataBuffer::removeChunk(s32 start, s32 n) {
   if (from >= size_) return true;
   const u32 tail = size_ - from;
   const u32 count = std::min(static_cast<u32>(n), tail);
-  std::memmove(data_ + from, data_ + from + count, tail - count);
+  if (data_) std::memmove(data_ + from, data_ + from + count, tail - count);
   size_ -= count;
   return true;
 }
@@ -89,7 +89,7 @@ bool DataBuffer::exclusiveOr(const DataBuffer& a, const DataBuffer& b) {
     clear();
     return true;
   }
-  if (!ensureBuffer(n)) return false;
+  if (!a.data_ || !b.data_ || !ensureBuffer(n)) return false;
   size_ = n;
   if (!data_) return false;
   vk_simd::xorBytes(data_, a.data_, b.data_, n);
