@@ -1,7 +1,4 @@
-#include <gtest/gtest.h>
-
-#include "tests/support/Bytes.h"
-#include "tests/support/GuardedBytes.h"
+#include "tests/support/Test.h"
 
 namespace {
 
@@ -52,9 +49,8 @@ TEST(Cursor, StaysInTheBytesInUse) {
   };
   const std::string content = fromHex("01 02 03 84 05 06 07 FE 09 0A");
   GuardedBytes forwards(content.size()), backwards(content.size());
-  DataBuffer buffers[] = {bufferOf(content), {}, {}, {}};
-  buffers[1].borrowData(forwards.ending(content), 10);
-  buffers[2].borrowData(backwards.starting(content), 10);
+  const DataBuffer buffers[] = {
+      bufferOf(content), borrowing(forwards.ending(content), 10), borrowing(backwards.starting(content), 10), {}};
   for (const DataBuffer& b : buffers)
     for (const auto& field : kFields)
       for (const u32 start : {0U, 2U, 3U, 6U, 7U, 8U, 9U, 10U, 11U, 0xFFFFFFF8U, 0xFFFFFFFFU}) {

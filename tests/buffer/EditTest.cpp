@@ -1,16 +1,8 @@
-#include <gtest/gtest.h>
-
-#include <functional>
-
-#include "tests/support/Allocations.h"
-#include "tests/support/Bytes.h"
+#include "tests/support/Test.h"
 
 namespace {
 
-using namespace std::string_literals;
 using Edit = std::function<bool(DataBuffer&)>;
-
-LogNull nowhere;
 
 TEST(Append, GrowsInSteps) {
   for (const auto& [size, capacity] : {std::pair{0u, 64u},
@@ -93,8 +85,7 @@ TEST(Edit, Forms) {
     EXPECT_EQ(textOf(b), c.left) << c.what;
   }
   u8 lent[] = {'1', '2', '3'};
-  DataBuffer b;
-  b.borrowData(lent, 3);
+  DataBuffer b = borrowing(lent, 3);
   b.removeHead(1);
   EXPECT_EQ(stateOf(b), "23 of 3, lent");
   b.removeHead(2);
@@ -155,12 +146,11 @@ TEST(Edit, RefusesMoreThan32Bits) {
           [&](DataBuffer& b) { return b.canAppendWithoutRealloc(over); },
       };
       for (const Edit& call : kCalls) {
-        DataBuffer b;
-        b.borrowData(claimed, size);
-        const u64 asked = faults::allocations();
+        DataBuffer b = borrowing(claimed, size);
+        const u64 asked = faults::tally.blocks;
         const u32 reports = Psdk::numReports();
         const bool done = call(b);
-        EXPECT_EQ(faults::allocations() - asked, 0u);
+        EXPECT_EQ(faults::tally.blocks - asked, 0u);
         EXPECT_FALSE(done) << size;
         EXPECT_EQ(Psdk::numReports(), reports);
         EXPECT_TRUE(b.getData2() == claimed && b.size() == size && b.getBufSize() == size);

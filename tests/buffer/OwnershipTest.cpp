@@ -1,11 +1,6 @@
-#include <gtest/gtest.h>
-
-#include "tests/support/Allocations.h"
-#include "tests/support/Bytes.h"
+#include "tests/support/Test.h"
 
 namespace {
-
-using namespace std::string_literals;
 
 // Every way in which two buffers exchange their storage; the flag goes only with a swap.
 TEST(Ownership, PassesBetweenBuffers) {
@@ -43,8 +38,7 @@ TEST(Ownership, PassesBetweenBuffers) {
       c.pass(to, to);
       EXPECT_EQ(stateOf(to), before) << c.what;
     }
-  DataBuffer a, b = bufferOf("b");
-  a.borrowData(lent, 3);
+  DataBuffer a = borrowing(lent, 3), b = bufferOf("b");
   a.takeData_kb(b);  // a lent block is only forgotten
   EXPECT_EQ(stateOf(a) + stateOf(b), "b of 20000 of 0, no block");
   b.takeData_kb(a);  // and here there is none to leave
@@ -54,7 +48,7 @@ TEST(Ownership, PassesBetweenBuffers) {
 }
 
 TEST(Ownership, AdoptsLendsAndHandsOut) {
-  const s64 before = faults::liveBlocks();
+  const s64 before = faults::tally.live;
   {
     DataBuffer b = bufferOf("released when replaced");
     u8* block = allocByteArray(8);
@@ -83,7 +77,7 @@ TEST(Ownership, AdoptsLendsAndHandsOut) {
     EXPECT_EQ(stateOf(b), " of 4");
     EXPECT_EQ(b.getDataSafe4(), safe);
   }
-  EXPECT_EQ(faults::liveBlocks(), before);
+  EXPECT_EQ(faults::tally.live, before);
 }
 
 TEST(Ownership, TakesAString) {

@@ -1,14 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstring>
-#include <functional>
-#include <new>
-#include <type_traits>
-#include <utility>
-
-#include "tests/support/Allocations.h"
-#include "tests/support/Bytes.h"
+#include "tests/support/Test.h"
 
 namespace {
 
@@ -158,7 +148,7 @@ TEST(Storage, WipesASecretBeforeItsBlockGoes) {
     c.let(*b);
     delete b;
     EXPECT_TRUE(watch.released());
-    EXPECT_EQ(std::string(reinterpret_cast<const char*>(watch.bytes()), 8), c.seen) << &c - kCases;
+    EXPECT_EQ(stringAt(watch.bytes(), 8), c.seen) << &c - kCases;
   }
 }
 
@@ -171,8 +161,7 @@ TEST(Storage, IsARegularType) {
   EXPECT_NE(copy.getData2(), a.getData2());
 
   u8 lent[] = {'1', '2', '3'};
-  DataBuffer borrower;
-  borrower.borrowData(lent, 3);
+  DataBuffer borrower = borrowing(lent, 3);
   copy = borrower;
   copy = *&copy;
   EXPECT_EQ(stateOf(copy), "123 of 3");  // its own
@@ -203,9 +192,7 @@ TEST(Storage, RefusesADestroyedObject) {
   ASSERT_LT(at, sizeof place);
   DataBuffer other = bufferOf("xyz");
   StringBuffer text("text"), out;
-  XString path;
-  path.setFromUtf8("/dev/null");
-  LogNull log;
+  XString path = wideOf("/dev/null");
   u8 byte = 0;
   const std::pair<const char*, std::function<bool()>> kCalls[] = {
       {"checkValidityDb", [&] { return b->checkValidityDb(); }},
@@ -254,16 +241,16 @@ TEST(Storage, RefusesADestroyedObject) {
       {"appendEncoded to a charset", [&] { return b->appendEncoded("abc", "iso-8859-1"); }},
       {"toHexString", [&] { return b->toHexString(out), !out.isEmpty(); }},
       {"toHexLines", [&] { return b->toHexLines(out, 16), !out.isEmpty(); }},
-      {"padForEncryption", [&] { return b->padForEncryption(0, 16, log) != 0; }},
-      {"copyAndPadForEncryption", [&] { return b->copyAndPadForEncryption(other, 0, 16, log), false; }},
-      {"unpadAfterDecryption", [&] { return b->unpadAfterDecryption(0, 16, log); }},
-      {"verifyTlsPadding", [&] { return b->verifyTlsPadding(log); }},
-      {"loadFileUtf8", [&] { return b->loadFileUtf8("/dev/null", &log); }},
-      {"loadFileX", [&] { return b->loadFileX(path, log); }},
+      {"padForEncryption", [&] { return b->padForEncryption(0, 16, nowhere) != 0; }},
+      {"copyAndPadForEncryption", [&] { return b->copyAndPadForEncryption(other, 0, 16, nowhere), false; }},
+      {"unpadAfterDecryption", [&] { return b->unpadAfterDecryption(0, 16, nowhere); }},
+      {"verifyTlsPadding", [&] { return b->verifyTlsPadding(nowhere); }},
+      {"loadFileUtf8", [&] { return b->loadFileUtf8("/dev/null", &nowhere); }},
+      {"loadFileX", [&] { return b->loadFileX(path, nowhere); }},
       {"db_saveToFileUtf8", [&] { return b->db_saveToFileUtf8("/dev/null", nullptr); }},
-      {"loadFileWithHeaderUtf8", [&] { return b->loadFileWithHeaderUtf8("/dev/null", other, 9, log); }},
-      {"loadCacheHeaderUtf8", [&] { return b->loadCacheHeaderUtf8("/dev/null", 9, log); }},
-      {"loadFileChunk", [&] { return b->loadFileChunk("/dev/null", 0, 9, log); }},
+      {"loadFileWithHeaderUtf8", [&] { return b->loadFileWithHeaderUtf8("/dev/null", other, 9, nowhere); }},
+      {"loadCacheHeaderUtf8", [&] { return b->loadCacheHeaderUtf8("/dev/null", 9, nowhere); }},
+      {"loadFileChunk", [&] { return b->loadFileChunk("/dev/null", 0, 9, nowhere); }},
   };
   for (const auto& [name, call] : kCalls) {
     const u32 reports = Psdk::numReports();
@@ -294,7 +281,6 @@ TEST(Storage, RefusesADestroyedObject) {
 TEST(Storage, TouchesNothingWhereASizeHasNoBlock) {
   StringBuffer text;
   DataBuffer out;
-  LogNull log;
   u32 at = 1;
   const std::function<bool(DataBuffer&)> kCalls[] = {
       [](DataBuffer& b) { return b.append("x", 1) || b.appendChar('x') || b.appendCharN('x', 2); },
@@ -307,7 +293,7 @@ TEST(Storage, TouchesNothingWhereASizeHasNoBlock) {
       [](DataBuffer& b) { return b.lastByte() != 0 || b.firstByte() != 0 || b.byteAt(1) != 0; },
       [&](DataBuffer& b) { return out.appendRange(b, 1, 2), out.appendRange2(b, 1, 2), !out.empty(); },
       [](DataBuffer& b) { return b.applyMask("x", 1), b.replaceChar('a', 'b'), b.drop_non_usascii(), false; },
-      [&](DataBuffer& b) { return b.slideTailToFront(2, log), b.equals2("abcde", 5) || b.endsWithStr("de"); },
+      [&](DataBuffer& b) { return b.slideTailToFront(2, nowhere), b.equals2("abcde", 5) || b.endsWithStr("de"); },
       [](DataBuffer& b) { return b.dropNullBytes(), b.processRawPopMime(), b.detectObviousCodePage() != -1; },
       [&](DataBuffer& b) { return !b.encodeDB("base64", text) || b.parseDataEnc(at, 2, "hex", text) || at != 1; },
       [&](DataBuffer& b) { return b.cvUnicodeToUtf8(text), b.cvUnicodeToUtf8_db(out), b.toHexLines(text, 4), false; }};

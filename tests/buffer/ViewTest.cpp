@@ -1,11 +1,6 @@
-#include <gtest/gtest.h>
-
 #include <atomic>
-#include <thread>
-#include <vector>
 
-#include "tests/support/Bytes.h"
-#include "tests/support/Soak.h"
+#include "tests/support/Test.h"
 
 namespace {
 

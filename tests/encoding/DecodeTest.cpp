@@ -1,15 +1,10 @@
 // Texts under every decoder: the bytes, where the fault is said to be, and what is left before it.
-#include <gtest/gtest.h>
 
-#include "tests/support/Allocations.h"
-#include "tests/support/Bytes.h"
-#include "tests/support/GuardedBytes.h"
+#include "tests/support/Test.h"
 #include "varnik/encoding/internal/DecodeText.h"
 #include "varnik/services/codecs/UrlCodec.h"
 
 namespace {
-
-using namespace std::string_view_literals;
 
 struct Text {
   s32 id;
@@ -231,8 +226,7 @@ TEST(Decode, JoinsEveryJsonPairAndReplacesEveryLoneUnit) {
 }
 
 TEST(Decode, TakesLinearTimeForWordsWithoutEnd) {
-  std::string text;
-  for (u32 i = 0; i < 200'000; ++i) text += "=?a?q?x";
+  const std::string text = repeated("=?a?q?x", 1'400'000);
   DataBuffer out;
   EXPECT_TRUE(out.appendEncodedById(text.c_str(), 26) && textOf(out) == text);
 }

@@ -1,7 +1,4 @@
-#include <gtest/gtest.h>
-
-#include "tests/support/Allocations.h"
-#include "tests/support/Bytes.h"
+#include "tests/support/Test.h"
 
 namespace {
 

@@ -1,15 +1,10 @@
 // Every group of characters that a decoder can meet, against a slow decoder; every group of bytes there and back.
-#include <gtest/gtest.h>
-
-#include <cstring>
 
 #include "tests/exhaustive/Tried.h"
-#include "tests/support/Bytes.h"
+#include "tests/support/Test.h"
 #include "varnik/services/codecs/internal/DecodeResult.h"
 
 namespace {
-
-using namespace std::string_literals;
 
 const std::string kBase64 = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 const std::string kBase45 = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ $%*+-./:";

@@ -1,10 +1,8 @@
 // Every operation with every allocation refused in turn, once and for good: nothing crashes, nothing leaks, and what is
 // left is what the operation promises.
-#include <gtest/gtest.h>
 #include <openssl/crypto.h>
 
 #include "tests/faults/Operations.h"
-#include "tests/support/Allocations.h"
 
 namespace faults {
 namespace {
@@ -18,8 +16,6 @@ struct Outcome {
 };
 
 void prepare(Scene& s, bool filled) {
-  s.source = bufferOf(randomBytes(5000));
-  s.key = bufferOf("0123456789abcdef0123456789ABCDEF");
   if (!filled) return;
   s.buffer.copyData("held before", 11);  // without spare room
   s.text.append("<held before>");
@@ -63,7 +59,7 @@ void check(const Operation& op, const Outcome& before, const Outcome& whole, con
 
 /// Runs an operation on a fresh scene with the k-th allocation refused. Returns whether there was one.
 bool runRefused(const Operation& op, bool filled, u32 k, bool forGood, const Outcome& whole) {
-  const s64 blocks = liveBlocks();
+  const s64 blocks = tally.live;
   bool struck = false;
   {
     Scene scene;
@@ -79,7 +75,7 @@ bool runRefused(const Operation& op, bool filled, u32 k, bool forGood, const Out
     check(op, before, whole, lookAt(scene, said));
   }
   OPENSSL_thread_stop();  // lets its list of errors go
-  EXPECT_TRUE(liveBlocks() == blocks || ::testing::Test::HasFailure()) << liveBlocks() - blocks << " blocks left";
+  EXPECT_TRUE(tally.live == blocks || ::testing::Test::HasFailure()) << tally.live - blocks << " blocks left";
   return struck;
 }
 

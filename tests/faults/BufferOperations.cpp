@@ -50,18 +50,8 @@ std::vector<Operation> bufferOperations() {
                   return s.buffer.appendUtf16_le("a", 2) && s.buffer.append_u16(1) && s.buffer.appendUint32_be(2) &&
                          s.buffer.appendInt64_le(3) && s.buffer.appendDouble_le(4);
                 }),
-      op("parseData",
-         [](Scene& s) {
-           u32 cursor = 10;
-           const bool done = s.source.parseData(cursor, 900, s.buffer);
-           return cursor == (done ? 910u : 10u) && done;
-         }),
-      op("parseString",
-         [](Scene& s) {
-           u32 cursor = 10;
-           const bool done = s.source.parseString(cursor, 900, s.text);
-           return cursor == (done ? 910u : 10u) && done;
-         }),
+      parsing("parseData", [](Scene& s, u32& cursor) { return s.source.parseData(cursor, 900, s.buffer); }),
+      parsing("parseString", [](Scene& s, u32& cursor) { return s.source.parseString(cursor, 900, s.text); }),
       op("view append", [](Scene& s) { return s.view.append(s.source); }),
       op("view takeBytes", [](Scene& s) { return s.view.takeBytes(4, s.buffer); }),
       random(op("appendRandomBytes", [](Scene& s) { return s.buffer.appendRandomBytes(700); })),

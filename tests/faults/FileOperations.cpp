@@ -1,9 +1,4 @@
-#include <unistd.h>
-
-#include <cstdio>
-
 #include "tests/faults/Operations.h"
-#include "tests/support/TempFolder.h"
 
 namespace faults {
 
@@ -28,11 +23,7 @@ std::vector<Operation> fileOperations() {
       alwaysTrue(
           emptying("loadCacheHeaderUtf8", [](Scene& s) { return s.buffer.loadCacheHeaderUtf8(path, 100, s.log); })),
       emptying("loadFileChunk", [](Scene& s) { return s.buffer.loadFileChunk(path, 100, 900, s.log); }),
-      emptying("getCurrentDir",
-               [](Scene& s) {
-                 _vkFileSys::getCurrentDir(s.wide, &s.log);
-                 return !s.wide.isEmpty();
-               }),
+      emptying("getCurrentDir", [](Scene& s) { return _vkFileSys::getCurrentDir(s.wide, &s.log), !s.wide.isEmpty(); }),
       emptying("save and load",
                [](Scene& s) {
                  std::remove(saved.c_str());

@@ -1,17 +1,12 @@
 // The first use of ICU and of OpenSSL makes what they keep for the life of the process: each allocation of it is
 // refused in a process of its own. (This suite comes first in the program: nothing may have used them before.)
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "tests/faults/Operations.h"
-#include "tests/support/Allocations.h"
-#include "tests/support/Soak.h"
 
 namespace faults {
 namespace {
 
-const u16* unitsOf(const char16_t* text) {
+const u16* unitsAt(const char16_t* text) {
   return reinterpret_cast<const u16*>(text);
 }
 
@@ -25,7 +20,7 @@ constexpr struct {
     {"a legacy charset", [](Scene& s) { return s.buffer.appendEncoded("\xE6\x97\xA5", "Shift_JIS"); },
      [](Scene& s) { return textOf(s.buffer) == "\x93\xFA"; }},
     {"case folding",
-     [](Scene&) { return vk_findUtf16NoCase(unitsOf(u"x\u00C9y"), 3, unitsOf(u"\u00E9"), 1) != nullptr; },
+     [](Scene&) { return vk_findUtf16NoCase(unitsAt(u"x\u00C9y"), 3, unitsAt(u"\u00E9"), 1) != nullptr; },
      [](Scene&) { return true; }},
     {"encryption",
      [](Scene& s) {
@@ -45,8 +40,6 @@ constexpr struct {
 template <class Call>
 Exit tryIn(const Call& row, u32 k, bool forGood) {
   Scene scene;
-  scene.source = bufferOf(randomBytes(5000));
-  scene.key = bufferOf("0123456789abcdef0123456789ABCDEF");
   bool done, struck;
   {
     const FailAllocation refusal(k, forGood);

@@ -1,14 +1,7 @@
 // What the allocation-failure loop runs: a table of operations, each on a scene of fresh objects.
 #pragma once
 
-#include <functional>
-#include <memory>
-#include <string>
-#include <type_traits>
-#include <utility>
-#include <vector>
-
-#include "tests/support/Bytes.h"
+#include "tests/support/Test.h"
 
 namespace faults {
 
@@ -20,8 +13,7 @@ struct Scene {
   DataBufferView view;
 
   LogNull log;
-  DataBuffer source;  // some bytes
-  DataBuffer key;     // 32 bytes
+  DataBuffer source = bufferOf(randomBytes(5000)), key = bufferOf("0123456789abcdef0123456789ABCDEF");
 };
 
 /// What an operation said: void ones say nothing.
@@ -66,6 +58,15 @@ Operation extending(std::string name, Call call) {
 template <class Call>
 Operation emptying(std::string name, Call call) {
   return row(std::move(name), Leaves::kEmptied, std::move(call));
+}
+/// Reads 900 bytes of `source` at a cursor by `parse(s, cursor)`: it moves only when they are read.
+template <class Parse>
+Operation parsing(std::string name, Parse parse) {
+  return op(std::move(name), [parse](Scene& s) {
+    u32 cursor = 10;
+    const bool done = parse(s, cursor);
+    return cursor == (done ? 910u : 10u) && done;
+  });
 }
 /// Another call gives other bytes (it is compared by size then).
 inline Operation random(Operation op) {

@@ -28,7 +28,8 @@ const char* const kStreams[] = {"in", "out", "err"};  // files in the folder lik
 
 Files filesHere() {
   Files files;
-  for (const auto& each : std::filesystem::directory_iterator(".")) files[each.path().filename()] = contentOf(each);
+  for (const auto& each : std::filesystem::directory_iterator("."))
+    files[each.path().filename()] = readFile(each.path());
   return files;
 }
 
@@ -60,16 +61,16 @@ Ended run(std::vector<std::string> words, u32 k, bool forGood) {
     close(file);
   }
   Ended ended;
-  const s64 blocks = faults::liveBlocks();
-  const u64 allocations = faults::allocations();
+  const s64 blocks = faults::tally.live;
+  const u64 allocations = faults::tally.blocks;
   {
     const faults::FailAllocation refusal(k, forGood);
     ended.status = __real_main(static_cast<int>(words.size()), argv.data());
     ended.struck = refusal.struck();
   }
-  ended.allocations = faults::allocations() - allocations;
+  ended.allocations = faults::tally.blocks - allocations;
   OPENSSL_thread_stop();
-  ended.blocksLeft = faults::liveBlocks() - blocks;
+  ended.blocksLeft = faults::tally.live - blocks;
   for (int n = 0; n < 3; ++n) {
     dup2(kept[n], n);
     close(kept[n]);

@@ -1,18 +1,12 @@
 // The work of an operation grows as its input does. Bytes and blocks allocated may grow 2.2 times for twice the input,
 // taken over six doublings because growth comes in steps.
-#include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
-#include <vector>
 
-#include "tests/support/Allocations.h"
-#include "tests/support/Bytes.h"
+#include "tests/support/Test.h"
 #include "varnik/services/codecs/internal/EncodingTable.h"
 
 namespace {
-
-LogNull nowhere;
 
 struct Work {
   std::string what, unit;  // the input repeats the unit; it is random where there is none
@@ -20,19 +14,11 @@ struct Work {
   bool isLinear = true;  // else n log^2 n, for large numbers; or it grows by the buffer's own steps
 };
 
-std::string inputOf(const std::string& unit, std::size_t n) {
-  if (unit.empty()) return randomBytes(n);
-  std::string input;
-  while (input.size() < n) input += unit;
-  return input;
-}
-
 template <class Call>
 auto onBuffer(Call call) {
   return [call](const std::string& input) mutable {
-    DataBuffer b;
     std::string lent = input;
-    b.borrowData(lent.data(), countOf(lent));
+    DataBuffer b = borrowing(lent);
     call(b);
   };
 }
@@ -100,13 +86,14 @@ TEST(Work, AllocatesInProportion) {
   for (const Work& work : works()) {
     u64 blocks[2], bytes[2];
     for (u32 i = 0; i < 2; ++i) {
-      const std::string input = inputOf(work.unit, std::size_t{20'000} << 6 * i);
+      const std::size_t n = std::size_t{20'000} << 6 * i;
+      const std::string input = work.unit.empty() ? randomBytes(n) : repeated(work.unit, n);
       work.run(input.substr(0, 10));  // what the services keep is made
-      blocks[i] = faults::allocations();
-      bytes[i] = faults::allocatedBytes();
+      blocks[i] = faults::tally.blocks;
+      bytes[i] = faults::tally.bytes;
       work.run(input);
-      blocks[i] = faults::allocations() - blocks[i];
-      bytes[i] = faults::allocatedBytes() - bytes[i];
+      blocks[i] = faults::tally.blocks - blocks[i];
+      bytes[i] = faults::tally.bytes - bytes[i];
     }
     const double most = std::pow(work.isLinear ? 2.2 : 3.0, 6);
     const auto limit = [most](u64 n) { return most * static_cast<double>(n); };

@@ -1,21 +1,9 @@
 // Loading: whole files, header-prefixed files, chunks.
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <cstring>
-#include <filesystem>
-
-#include "tests/support/Allocations.h"
-#include "tests/support/Bytes.h"
-#include "tests/support/GuardedBytes.h"
-#include "tests/support/SystemCalls.h"
-#include "tests/support/TempFolder.h"
+#include "tests/support/Test.h"
 
 namespace {
-
-using namespace std::string_literals;
-using faults::Call;
-using faults::Fault;
 
 const std::string kSample = "\x0A\0\0\0headerbody"s;
 
@@ -53,8 +41,7 @@ TEST(Load, WholeFilesWithZerosBehind) {
   char lent[] = "lent";
   for (const u32 length : {0u, 1u, 5u, 4096u, 100'000u, 9'000'000u, 16'777'217u}) {
     const std::string content = randomBytes(length), path = folder / "not UTF-8: \xFF\xFE, \\, \n";
-    DataBuffer b;
-    b.borrowData(lent, 4);
+    DataBuffer b = borrowing(lent, 4);
     ASSERT_TRUE(b.loadFileUtf8(writeFile(path, content).c_str(), nullptr)) << length;
     EXPECT_TRUE(textOf(b) == content && b.heapUsage() == (length == 0 ? 0 : length + 32)) << length;
     EXPECT_TRUE(endsInZeros(b) && (length != 0 || !b.getData2()));
@@ -90,14 +77,13 @@ TEST(Load, SplitsHeaderAndBody) {
     const std::string path = writeFile(folder / "f", c.content);
     DataBuffer body = bufferOf("old body"), header = bufferOf("old header"), cached = bufferOf("old");
     LogText log;
-    LogNull cacheLog;
     EXPECT_EQ(body.loadFileWithHeaderUtf8(path.c_str(), header, c.limit, log), c.result) << c.what;
     EXPECT_EQ(textOf(body), c.body) << c.what;
     EXPECT_EQ(body.getBufSize(), c.errors == 0 ? c.body.size() + 4 : 0);
     EXPECT_TRUE(endsInZeros(body));
     EXPECT_EQ(textOf(header), c.header.empty() ? "old header" : c.header) << c.what;
     EXPECT_EQ(log.numErrors(), c.errors) << c.what << log.getText();
-    EXPECT_EQ(cached.loadCacheHeaderUtf8(path.c_str(), c.limit, cacheLog), c.cacheResult) << c.what;
+    EXPECT_EQ(cached.loadCacheHeaderUtf8(path.c_str(), c.limit, nowhere), c.cacheResult) << c.what;
     EXPECT_EQ(textOf(cached), c.header) << c.what;
   }
 }
@@ -135,7 +121,7 @@ TEST(Load, FilesOf4GiBAndMore) {
     b.append("old", 3);
     log.clear();
     EXPECT_FALSE(b.loadFileUtf8(path.c_str(), &log)) << length;
-    EXPECT_LT(faults::lastAllocation(), 100'000u) << "it is refused before anything is asked for";
+    EXPECT_LT(faults::tally.last, 100'000u) << "it is refused before anything is asked for";
     EXPECT_EQ(b.getData2(), nullptr);
     EXPECT_NE(std::string(log.getText()).find(std::to_string(length)), std::string::npos);
   }
@@ -174,11 +160,9 @@ TEST(Load, RefusesWhatIsNoFile) {
       EXPECT_EQ(std::string(log.getText()).rfind("loadFileX:\n", 0), 0u);
     }
   DataBuffer b = bufferOf("old");
-  LogNull log;
-  XString name;
-  name.setFromUtf8((folder / "f").c_str());
+  XString name = wideOf((folder / "f").c_str());
   name.getUtf8Sb_rw().appendN("\0hidden", 7);
-  EXPECT_FALSE(b.loadFileUtf8(nullptr, nullptr) || b.getData2() || b.loadFileX(name, log));
+  EXPECT_FALSE(b.loadFileUtf8(nullptr, nullptr) || b.getData2() || b.loadFileX(name, nowhere));
 }
 
 TEST(Load, AsksForItsPermissionBeforeAllElse) {
@@ -237,8 +221,7 @@ TEST(Load, SurvivesEachFailure) {
   for (const Loader& loader : kLoaders) {
     const auto load = [&] {
       DataBuffer b = bufferOf("old"), header;
-      LogNull log;
-      const bool done = loader.load(b, header, path.c_str(), log);
+      const bool done = loader.load(b, header, path.c_str(), nowhere);
       const std::string left = textOf(b);
       if (done || !b.getData2()) {
         EXPECT_EQ(left, done ? loader.given : "");
@@ -261,19 +244,17 @@ TEST(Load, SurvivesEachFailure) {
 // How many bytes of `content` a read of all of them put at an address `offset` bytes behind a page's start before its
 // `k`-th call of the system failed half-way.
 u32 readUntilFault(const std::string& path, const std::string& content, std::size_t offset, u32 k) {
-  XString name;
-  name.setFromUtf8(path.c_str());
-  LogNull log;
+  XString name = wideOf(path.c_str());
   FileHandle file;
   int error = -1;
-  EXPECT_TRUE(_vkFileSys::openFileForRead(file, name, false, error, log));
+  EXPECT_TRUE(_vkFileSys::openFileForRead(file, name, false, error, nowhere));
   GuardedBytes memory(content.size() + 4096);
   u8* area = memory.starting("") + offset;
   u32 numRead = 0;
   bool atEnd = false;
   const faults::FailAllocation refused(k == 0 ? 1 : 0, true);
   const faults::FailCall armed(Call::kRead, k, false, {Fault::kBreak, EIO});
-  const bool done = file.readBytesToBuf32(area, countOf(content), numRead, atEnd, log);
+  const bool done = file.readBytesToBuf32(area, countOf(content), numRead, atEnd, nowhere);
   EXPECT_TRUE(done == !armed.struck() && done == (numRead == content.size()));
   EXPECT_FALSE(atEnd);
   EXPECT_EQ(std::memcmp(area, content.data(), numRead), 0);

@@ -1,29 +1,16 @@
 // Saving: the whole old content or the whole new, whatever happens.
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <csignal>
-#include <filesystem>
-#include <thread>
 
-#include "tests/support/Bytes.h"
-#include "tests/support/SystemCalls.h"
-#include "tests/support/TempFolder.h"
+#include "tests/support/Test.h"
 #include "varnik/services/files/internal/AtomicFile.h"
 
 namespace {
 
-using namespace std::string_literals;
-using faults::Call;
-using faults::Fault;
-
 bool save(const std::string& path, std::string_view content, LogBase* log = nullptr) {
-  DataBuffer b;
-  b.borrowData(const_cast<char*>(content.data()), countOf(content));
-  return b.db_saveToFileUtf8(path.c_str(), log);
+  return borrowing(const_cast<char*>(content.data()), content.size()).db_saveToFileUtf8(path.c_str(), log);
 }
 
 struct stat statOf(const std::string& path) {

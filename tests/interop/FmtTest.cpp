@@ -1,9 +1,8 @@
 #include "varnik/interop/Fmt.h"
 
 #include <fmt/ranges.h>
-#include <gtest/gtest.h>
 
-#include "tests/support/Bytes.h"
+#include "tests/support/Test.h"
 
 namespace {
 

@@ -1,20 +1,11 @@
 #include "varnik/buffer/Spans.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <array>
-#include <iterator>
 #include <span>
-#include <type_traits>
-#include <vector>
 
-#include "tests/support/Allocations.h"
-#include "tests/support/Bytes.h"
+#include "tests/support/Test.h"
 
 namespace {
-
-using namespace std::literals;
 
 // A range, as the standard sees it, yet nothing that a span or a view of a text takes without being asked.
 template <class B>

@@ -1,11 +1,9 @@
 #include "varnik/interop/Stream.h"
 
-#include <gtest/gtest.h>
-
 #include <iomanip>
 #include <sstream>
 
-#include "tests/support/Bytes.h"
+#include "tests/support/Test.h"
 
 namespace {
 
@@ -27,8 +25,8 @@ TEST(Stream, WritesTextAndDescribesBytes) {
   EXPECT_EQ(streamed(bufferOf(bytes)), "32 bytes:" + hex32);
   EXPECT_EQ(streamed(bufferOf(bytes + "x")), "33 bytes:" + hex32 + " ...");
 
-  DataBuffer b;  // the size may say anything of a block that is borrowed: the text still fits its area
-  b.borrowData(bytes.data(), 0xFFFFFFFF);
+  // The size may say anything of a block that is borrowed: the text still fits its area.
+  const DataBuffer b = borrowing(bytes.data(), 0xFFFFFFFF);
   char area[kVkDescribeRoom];
   EXPECT_EQ(std::string(area, vk_describe(b, area)), "4294967295 bytes:" + hex32 + " ...");
 }

@@ -1,20 +1,8 @@
-#include <gtest/gtest.h>
-
-#include <set>
-
-#include "tests/support/Allocations.h"
-#include "tests/support/Bytes.h"
-#include "tests/support/GuardedBytes.h"
-#include "tests/support/SystemCalls.h"
+#include "tests/support/Test.h"
 
 namespace {
 
-using faults::Call;
-using faults::Fault;
-
 constexpr s32 kSchemes[] = {-2147483647 - 1, -1, 0, 1, 2, 3, 4, 5, 2147483647};
-
-LogNull nowhere;
 
 // What each scheme adds, said again the long way; '?' stands for a random byte.
 std::string naivePad(s32 scheme, u32 length, u32 block) {
@@ -56,14 +44,12 @@ TEST(Pad, AgreesWithItsNaiveTwin) {
 
 TEST(Pad, LeavesBorrowedStorageAndServesItself) {
   char lent[] = "lent";
-  DataBuffer b, huge;
-  b.borrowData(lent, 4);
+  DataBuffer b = borrowing(lent, 4), huge = borrowing(lent, 0xFFFFFFFF);  // claimed, never read
   b.copyAndPadForEncryption(bufferOf("12345"), 0, 8, nowhere);
   EXPECT_EQ(stateOf(b), "12345\3\3\3 of 8");
   EXPECT_STREQ(lent, "lent");
   b.copyAndPadForEncryption(b, 0, 16, nowhere);
   EXPECT_EQ(stateOf(b), "12345\3\3\3\10\10\10\10\10\10\10\10 of 16");
-  huge.borrowData(lent, 0xFFFFFFFF);  // claimed, never read
   b.copyAndPadForEncryption(huge, 0, 16, nowhere);
   const faults::FailAllocation none(1, true);
   EXPECT_EQ(b.padForEncryption(0, 16, nowhere), 16u) << "the length is told all the same";
@@ -112,8 +98,7 @@ TEST(Unpad, AgreesWithItsNaiveTwin) {
         for (u32 i = 0; i < length && i < run; ++i) data[length - 1 - i] = static_cast<char>(last);
         for (const s32 block : {-1, 0, 1, 8, 16, 255, 256})
           for (const s32 scheme : kSchemes) {
-            DataBuffer b;
-            b.borrowData(area.starting(data), length);
+            DataBuffer b = borrowing(area.starting(data), length);
             EXPECT_TRUE(b.unpadAfterDecryption(scheme, block, nowhere));
             EXPECT_TRUE(textOf(b) == naiveUnpad(data, scheme, block)) << last << " " << length << " " << run;
             EXPECT_EQ(b.getBufSize(), length);
@@ -139,8 +124,7 @@ TEST(TlsPadding, IsCheckedByteForByte) {
   };
   GuardedBytes area(4096);
   for (const auto& [data, error] : kCases) {
-    DataBuffer b;
-    b.borrowData(area.starting(data), countOf(data));
+    DataBuffer b = borrowing(area.starting(data), data.size());
     LogText log;
     EXPECT_EQ(b.verifyTlsPadding(log), error.empty()) << data.size();
     EXPECT_EQ(log.getText(), error);

@@ -1,8 +1,4 @@
-#include <gtest/gtest.h>
-
-#include "tests/support/Allocations.h"
-#include "tests/support/Bytes.h"
-#include "tests/support/Random.h"
+#include "tests/support/Test.h"
 
 namespace {
 
@@ -16,11 +12,6 @@ u32 replaceSlowly(std::string& text, std::string_view find, std::string_view wit
   for (std::size_t at = 0; (at = text.find(find, at)) != std::string::npos; at += with.size(), ++count)
     text.replace(at, find.size(), with);
   return count;
-}
-
-// UTF-16 units in host order, as a buffer keeps them.
-std::string unitsOf(std::u16string_view text) {
-  return {reinterpret_cast<const char*>(text.data()), text.size() * 2};
 }
 
 TEST(Replace, AgreesWithThePlainReplacement) {
@@ -40,13 +31,13 @@ TEST(Replace, AgreesWithThePlainReplacement) {
 TEST(Replace, KeepsTheBlockWhereNothingIsFound) {
   DataBuffer b = bufferOf("abc"), none;
   const u8* const block = b.getData2();
-  const u64 before = faults::allocations();
+  const u64 before = faults::tally.blocks;
   EXPECT_EQ(replaceAll(b, "abd", "x"), 0U);
   EXPECT_EQ(replaceAll(b, "abcd", "x"), 0U);
   EXPECT_EQ(b.replaceAllOccurances(nullptr, 1, block, 1), 0U);
   EXPECT_EQ(b.replaceAllOccurances(block, 0, block, 1), 0U);
   EXPECT_EQ(replaceAll(none, "a", "x"), 0U);
-  EXPECT_EQ(faults::allocations(), before);
+  EXPECT_EQ(faults::tally.blocks, before);
   EXPECT_EQ(b.getData2(), block);
   EXPECT_EQ(b.getBufSize(), 20'000U);
 }
@@ -64,8 +55,7 @@ TEST(Replace, GrowsFromTheOldSize) {
 
 TEST(Replace, LeavesABorrowedBlockAlone) {
   std::string lent = "abcabc";
-  DataBuffer b;
-  b.borrowData(lent.data(), countOf(lent));
+  DataBuffer b = borrowing(lent);
   EXPECT_EQ(replaceAll(b, "x", "y"), 0U);
   EXPECT_EQ(b.heapUsage(), 0U) << "still borrowed";
   EXPECT_EQ(replaceAll(b, "b", "X"), 2U);
@@ -103,14 +93,11 @@ TEST(Replace, ShortensTheResultWhenMemoryRunsOut) {
 }
 
 TEST(Replace, ReplacesUtf16Bytes) {
-  XString find, with, none;
-  find.setFromUtf8("A");
-  with.setFromUtf8("\xC3\xA9\xE2\x82\xAC");
+  XString find = wideOf("A"), with = wideOf("\xC3\xA9\xE2\x82\xAC"), other = wideOf("B"), none;
   DataBuffer b = bufferOf(fromHex("41 00 42 00 00 41 00"));
   EXPECT_EQ(b.replaceUnicodeString(find, with), 2U) << "at any byte, between two units too";
   EXPECT_EQ(textOf(b), fromHex("E9 00 AC 20 42 00 00 E9 00 AC 20"));
-  find.setFromUtf8("B");
-  EXPECT_EQ(b.replaceUnicodeString(find, none), 1U);
+  EXPECT_EQ(b.replaceUnicodeString(other, none), 1U);
   EXPECT_EQ(textOf(b), fromHex("E9 00 AC 20 00 E9 00 AC 20"));
   EXPECT_EQ(b.replaceUnicodeString(none, with), 0U);
 }
@@ -132,12 +119,9 @@ TEST(Replace, IgnoresLetterCaseInUtf16) {
   };
   for (const auto& c : kCases)
     for (const u32 offset : {0U, 1U}) {  // an even address and an odd one
-      XString find, with;
-      find.setFromUtf8(c.find);
-      with.setFromUtf8(c.with);
+      XString find = wideOf(c.find), with = wideOf(c.with);
       std::string lent = std::string(offset, '.') + unitsOf(c.given);
-      DataBuffer b;
-      b.borrowData(lent.data() + offset, countOf(lent) - offset);
+      DataBuffer b = borrowing(lent.data() + offset, lent.size() - offset);
       EXPECT_EQ(b.replaceAllOccurancesUtf16NoCase(find, with), c.count) << c.find;
       EXPECT_EQ(textOf(b), unitsOf(c.left)) << c.find;
       EXPECT_EQ(lent, std::string(offset, '.') + unitsOf(c.given)) << c.find;
@@ -145,9 +129,7 @@ TEST(Replace, IgnoresLetterCaseInUtf16) {
 }
 
 TEST(Replace, DropsAnOddByteOnlyWhenSomethingIsReplaced) {
-  XString find, with;
-  find.setFromUtf8("ab");
-  with.setFromUtf8("XYZ");
+  XString find = wideOf("ab"), with = wideOf("XYZ");
   DataBuffer b = bufferOf(unitsOf(u"xab") + "!");
   EXPECT_EQ(b.replaceAllOccurancesUtf16NoCase(find, with), 1U);
   EXPECT_EQ(textOf(b), unitsOf(u"xXYZ"));

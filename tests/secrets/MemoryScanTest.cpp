@@ -3,15 +3,10 @@
 // Every secret contains a mark of 16 bytes. The test knows the mark only masked, and looks for it in all the memory
 // that the process can write; so each copy that is found was left by somebody else.
 #include <fcntl.h>
-#include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstring>
-#include <fstream>
 #include <sstream>
 
-#include "tests/support/Allocations.h"
-#include "tests/support/Bytes.h"
+#include "tests/support/Test.h"
 
 namespace {
 
@@ -97,7 +92,6 @@ u32 copiesInMemory() {
 // Runs every operation of the holders on a secret, into fresh and into used outputs, with good and with wrong keys.
 // The caller's own copies are wiped before it returns.
 void useHolders(DataBuffer& key, u32 n, u32 at) {
-  LogNull log;
   DataBuffer plain = secretOf(n, at);
   SecretData data, copy;
   SecretString string;
@@ -105,16 +99,16 @@ void useHolders(DataBuffer& key, u32 n, u32 at) {
   StringBuffer text;
   XString unicode;
   data.setSecretFromBuffer(key, plain);
-  string.setSecString(key, reinterpret_cast<const char*>(plain.getData2()), log);
+  string.setSecString(key, reinterpret_cast<const char*>(plain.getData2()), nowhere);
   copy.copySecretFrom(otherKey, key, data);
   copy.copySecretFrom(otherKey, wrongKey, data);
   for (u32 round = 0; round < 2; ++round) {
-    data.getSecret(key, out, log);
-    data.getSecret(wrongKey, out, log);
-    string.getSecData(key, out, log);
-    string.getSecString(key, text, log);
+    data.getSecret(key, out, nowhere);
+    data.getSecret(wrongKey, out, nowhere);
+    string.getSecData(key, out, nowhere);
+    string.getSecString(key, text, nowhere);
     text.appendCharN('x', 100 + n);  // has to grow, with the secret in it
-    string.getSecStringX(key, unicode, log);
+    string.getSecStringX(key, unicode, nowhere);
     unicode.getUtf16_xe();
     unicode.getUtf8Sb_rw().appendCharN('x', 100 + n);
     unicode.getUtf16_xe();
@@ -123,12 +117,11 @@ void useHolders(DataBuffer& key, u32 n, u32 at) {
 
 // A message whose tag is wrong is decrypted before that shows.
 void decryptChanged(DataBuffer& key, u32 n, u32 at) {
-  LogNull log;
   DataBuffer plain = secretOf(n, at), cipher, out;
-  ASSERT_TRUE(SymmetricCrypt::encryptBytes(256, nullptr, key, plain.getData2(), n, cipher, log));
+  ASSERT_TRUE(SymmetricCrypt::encryptBytes(256, nullptr, key, plain.getData2(), n, cipher, nowhere));
   *cipher.getDataAt2(n + 27) ^= 1;
-  EXPECT_FALSE(SymmetricCrypt::decryptBytes(256, nullptr, key, cipher.getData2(), n + 28, out, log));
-  EXPECT_TRUE(SymmetricCrypt::encryptBytes(256, nullptr, key, plain.getData2(), n, plain, log));  // over itself
+  EXPECT_FALSE(SymmetricCrypt::decryptBytes(256, nullptr, key, cipher.getData2(), n + 28, out, nowhere));
+  EXPECT_TRUE(SymmetricCrypt::encryptBytes(256, nullptr, key, plain.getData2(), n, plain, nowhere));  // over itself
 }
 
 TEST(MemoryScan, FindsWhatIsLeft) {

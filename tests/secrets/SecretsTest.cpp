@@ -1,19 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstring>
-#include <memory>
-
-#include "tests/support/Allocations.h"
-#include "tests/support/Bytes.h"
-#include "tests/support/SystemCalls.h"
+#include "tests/support/Test.h"
 
 namespace {
-
-using faults::Call;
-using faults::Fault;
-
-LogNull nowhere;
 
 bool set(SecretData& holder, DataBuffer& key, std::string_view secret) {
   return holder.setSecret(key, bytesOf(secret), countOf(secret), nowhere);
@@ -105,7 +92,7 @@ std::string seenAtRelease(const DataBuffer& held, Let let) {
   const faults::WatchRelease watch(held.getData2(), n);
   let();
   EXPECT_TRUE(watch.released());
-  return {reinterpret_cast<const char*>(watch.bytes()), n};
+  return stringAt(watch.bytes(), n);
 }
 
 TEST(SecretData, WipesTheCiphertextBeforeItGoes) {
@@ -155,8 +142,7 @@ TEST(SecretString, HandsOutWhatItHolds) {
   EXPECT_EQ(holder.getEncryptedSize(), 7u + 28);
   const auto getAll = [&](DataBuffer& with) {  // what the three forms answer, and what they leave
     StringBuffer text("old");
-    XString unicode;
-    unicode.setFromUtf8("old");
+    XString unicode = wideOf("old");
     DataBuffer data = bufferOf("old");
     std::string got;
     for (const bool done : {holder.getSecString(with, text, log), holder.getSecStringX(with, unicode, log),
@@ -180,9 +166,9 @@ TEST(Companions, StartEmpty) {
   shared->incRefCount();
   shared->decRefCount();
   EXPECT_EQ(textOf(shared->buffer), "x");
-  const s64 held = faults::liveBlocks();
+  const s64 held = faults::tally.live;
   shared->decRefCount();
-  EXPECT_EQ(faults::liveBlocks(), held - 2);
+  EXPECT_EQ(faults::tally.live, held - 2);
 
   alignas(FixedScratchBuffers) unsigned char place[sizeof(FixedScratchBuffers)];
   std::memset(place, 0xFF, sizeof place);

@@ -1,10 +1,5 @@
 // Memory, text helpers, logging, the lock and reference counts.
-#include <gtest/gtest.h>
-
-#include <thread>
-
-#include "tests/support/Allocations.h"
-#include "tests/support/Bytes.h"
+#include "tests/support/Test.h"
 
 namespace {
 
@@ -62,9 +57,8 @@ TEST(Logging, KeepsWhatItIsToldIndentedByContext) {
   LogText log;
   EXPECT_FALSE(log.verbose());
   log.setVerbose(true);
+  XString x = wideOf("Zoë");
   EXPECT_TRUE(log.verbose());
-  XString x;
-  x.setFromUtf8("Zoë");
   {
     const LogContextExitor outer(log, "outer");
     log.LogError("size is 0");
@@ -96,9 +90,8 @@ TEST(Logging, KeepsWhatItIsToldIndentedByContext) {
   log.clear();
   EXPECT_STREQ(log.getText(), "");
   EXPECT_EQ(log.numErrors(), 0u);
-  LogNull nothing;
-  nothing.LogError("x");
-  nothing.LogDataHex("tag", nullptr, 0);
+  nowhere.LogError("x");
+  nowhere.LogDataHex("tag", nullptr, 0);
 }
 
 TEST(Lock, MayBeEnteredAgainByItsThreadOnly) {

@@ -1,5 +1,4 @@
 // The names of charsets, and the numbers.
-#include <gtest/gtest.h>
 
 #include <climits>
 

@@ -3,10 +3,7 @@
 
 #include <iconv.h>
 
-#include <string>
-#include <string_view>
-
-#include "tests/support/Bytes.h"
+#include "tests/support/Test.h"
 
 struct Converted {
   std::string text;

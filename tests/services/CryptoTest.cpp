@@ -1,25 +1,13 @@
-#include <gtest/gtest.h>
 #include <openssl/crypto.h>
 #include <openssl/err.h>
 #include <openssl/evp.h>
 #include <openssl/hmac.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <algorithm>
 #include <array>
-#include <cstdlib>
-#include <set>
 
-#include "tests/support/Allocations.h"
-#include "tests/support/Bytes.h"
-#include "tests/support/Soak.h"
-#include "tests/support/SystemCalls.h"
+#include "tests/support/Test.h"
 
 namespace {
-
-using faults::Call;
-using faults::Fault;
 
 // ---- Random bytes ----
 
@@ -207,24 +195,22 @@ TEST(SymmetricCrypt, RefusesWhatItDoesNotKnow) {
 
 TEST(SymmetricCrypt, FailsWithoutRandomBytes) {
   DataBuffer key = bufferOf(randomBytes(32)), out = bufferOf("old");
-  LogNull log;
   const faults::FailCall armed(Call::kRandom, 1, true, {Fault::kError, ENOSYS});
-  EXPECT_FALSE(SymmetricCrypt::encryptBytes(256, nullptr, key, bytesOf("x"), 1, out, log));
+  EXPECT_FALSE(SymmetricCrypt::encryptBytes(256, nullptr, key, bytesOf("x"), 1, out, nowhere));
   EXPECT_TRUE(out.empty());
 }
 
 TEST(SymmetricCrypt, WorksInPlaceAndLeavesLentMemoryAlone) {
   DataBuffer key = bufferOf(randomBytes(32)), b = bufferOf("plain text");
-  LogNull log;
-  EXPECT_TRUE(SymmetricCrypt::encryptBytes(256, nullptr, key, b.getData2(), b.size(), b, log));
-  EXPECT_TRUE(SymmetricCrypt::decryptBytes(256, nullptr, key, b.getData2(), b.size(), b, log));
+  EXPECT_TRUE(SymmetricCrypt::encryptBytes(256, nullptr, key, b.getData2(), b.size(), b, nowhere));
+  EXPECT_TRUE(SymmetricCrypt::decryptBytes(256, nullptr, key, b.getData2(), b.size(), b, nowhere));
   EXPECT_EQ(textOf(b), "plain text");
-  EXPECT_TRUE(SymmetricCrypt::encryptBytes(256, nullptr, key, bytesOf("plain text"), 10, key, log));
+  EXPECT_TRUE(SymmetricCrypt::encryptBytes(256, nullptr, key, bytesOf("plain text"), 10, key, nowhere));
   EXPECT_EQ(key.size(), 38u);
   char lent[] = "lent to the buffer, and longer than what comes out";
   const std::string before = lent;
   b.borrowData(lent, sizeof lent);
-  EXPECT_TRUE(SymmetricCrypt::encryptBytes(256, nullptr, key, bytesOf("x"), 1, b, log));
+  EXPECT_TRUE(SymmetricCrypt::encryptBytes(256, nullptr, key, bytesOf("x"), 1, b, nowhere));
   EXPECT_EQ(b.heapUsage(), 29u);
   EXPECT_EQ(b.secure, 0);
   EXPECT_EQ(lent, before);
@@ -237,11 +223,10 @@ TEST(SymmetricCrypt, UsesABlockAgain) {
   for (const bool isChanged : {false, true}) {
     DataBuffer out = bufferOf("a secret that lay here before");
     const u8* block = out.getData2();
-    const u64 before = faults::allocations();
+    const u64 before = faults::tally.blocks;
     if (isChanged) cipher[20] ^= 1;
-    LogNull log;
-    EXPECT_EQ(SymmetricCrypt::decryptBytes(256, nullptr, key, bytesOf(cipher), 33, out, log), !isChanged);
-    EXPECT_EQ(faults::allocations(), before);
+    EXPECT_EQ(SymmetricCrypt::decryptBytes(256, nullptr, key, bytesOf(cipher), 33, out, nowhere), !isChanged);
+    EXPECT_EQ(faults::tally.blocks, before);
     EXPECT_EQ(textOf(out), isChanged ? "" : "plain");
     ASSERT_EQ(out.getData2(), block);
     for (u32 i = out.size(); i < out.getBufSize(); ++i) ASSERT_EQ(block[i], 0) << i;

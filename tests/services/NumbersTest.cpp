@@ -1,7 +1,5 @@
 // Big integers.
-#include <gtest/gtest.h>
-
-#include "tests/support/Bytes.h"
+#include "tests/support/Test.h"
 
 namespace {
 

@@ -1,14 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <utility>
-
-#include "tests/support/Allocations.h"
-#include "tests/support/Bytes.h"
+#include "tests/support/Test.h"
 
 namespace {
-
-using namespace std::string_literals;
 
 TEST(StringBuffer, StartsEmptyAndEndsInANul) {
   StringBuffer s;
@@ -148,7 +140,7 @@ TEST(XString, GivesUtf16) {
 
 TEST(XString, TakesUtf16AtAnyAddress) {
   const std::u16string units = u"aé€\xD83D\xDE00|\xD800|\xDC00\xD800";
-  std::string shifted = "?" + std::string(reinterpret_cast<const char*>(units.data()), 2 * units.size());
+  const std::string shifted = "?" + unitsOf(units);
   XString x;
   EXPECT_TRUE(x.setFromUtf16N_xe(bytesOf(shifted) + 1, static_cast<s32>(units.size())));
   EXPECT_STREQ(x.getUtf8(), "aé€\xF0\x9F\x98\x80|\xEF\xBF\xBD|\xEF\xBF\xBD\xEF\xBF\xBD");
@@ -157,9 +149,7 @@ TEST(XString, TakesUtf16AtAnyAddress) {
 }
 
 TEST(XString, CopiesMovesAndWipes) {
-  XString a;
-  a.setFromUtf8("text");
-  XString b(a), c(std::move(a));
+  XString a = wideOf("text"), b(a), c(std::move(a));
   EXPECT_STREQ(b.getUtf8(), "text");
   EXPECT_STREQ(c.getUtf8(), "text");
   b = c, c = std::move(b);

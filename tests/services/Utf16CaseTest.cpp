@@ -1,11 +1,7 @@
 // Letter case of UTF-16 units, and the search that ignores it, against ICU's properties and a plain search.
-#include <gtest/gtest.h>
 #include <unicode/uchar.h>
 
-#include <random>
-#include <thread>
-
-#include "tests/support/Bytes.h"
+#include "tests/support/Test.h"
 
 namespace {
 
@@ -24,8 +20,7 @@ s64 search(const std::u16string& text, const std::u16string& needle) {
   const auto units = [](const char* p) { return reinterpret_cast<const u16*>(p); };
   s64 at[2];
   for (int shift = 0; shift < 2; ++shift) {
-    std::string moved(static_cast<std::size_t>(shift), 'x');
-    moved.append(reinterpret_cast<const char*>(text.data()), text.size() * 2);
+    const std::string moved = std::string(static_cast<std::size_t>(shift), 'x') + unitsOf(text);
     const char* const start = moved.data() + shift;
     const u16* hit = vk_findUtf16NoCase(units(start), static_cast<u32>(text.size()),
                                         reinterpret_cast<const u16*>(needle.data()), static_cast<u32>(needle.size()));
@@ -50,16 +45,12 @@ TEST(Utf16Case, EveryUnitMapsAsItsCharacterDoes) {
   EXPECT_EQ(Utf16Case::toUpper(0xFF), 0x178);
   for (std::size_t shift = 0; shift < 3; ++shift) {
     const auto mapped = [&](void (*map)(u8*, u32)) {
-      std::string bytes(shift, 'x');
-      bytes.append(reinterpret_cast<const char*>(all.data()), all.size() * 2);
+      std::string bytes = std::string(shift, 'x') + unitsOf(all);
       map(reinterpret_cast<u8*>(bytes.data() + shift), static_cast<u32>(all.size()));
       return bytes.substr(shift);
     };
-    const auto bytes = [](const std::u16string& s) {
-      return std::string(reinterpret_cast<const char*>(s.data()), s.size() * 2);
-    };
-    EXPECT_TRUE(mapped(Utf16Case::toUpper) == bytes(upper));
-    EXPECT_TRUE(mapped(Utf16Case::toLower) == bytes(lower));
+    EXPECT_TRUE(mapped(Utf16Case::toUpper) == unitsOf(upper));
+    EXPECT_TRUE(mapped(Utf16Case::toLower) == unitsOf(lower));
   }
   Utf16Case::toUpper(nullptr, 0);
 }

@@ -1,9 +1,4 @@
-#include <gtest/gtest.h>
-
 #include "tests/simd/Forms.h"
-#include "tests/support/Bytes.h"
-#include "tests/support/GuardedBytes.h"
-#include "tests/support/Random.h"
 #include "varnik/simd/FindBytes.h"
 
 namespace {
@@ -38,8 +33,7 @@ TEST(FindBytes, AgreesWithThePlainSearchAmongFalseCandidates) {
 
 TEST(FindBytes, SearchesLongDataWithARareAndAFrequentFirstByte) {
   Finding finding;
-  std::string words;
-  while (words.size() < 9000) words += "the message of the header that was encoding it ";
+  const std::string words = repeated("the message of the header that was encoding it ", 9000);
   for (const auto& form : VARNIK_FORMS(findBytes))
     for (const std::string pattern : {"Qessage of", "the mesQage", "the header that was encodinQ", "tQ", "\xFF\xFE"})
       for (const u32 at : {0U, 255U, 256U, 1023U, 5000U, 8900U}) {

@@ -1,15 +1,7 @@
 // The forms of a kernel that this processor can run, and what holds them against the scalar one.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <string>
-#include <vector>
-
-#include "tests/support/GuardedBytes.h"
-#include "tests/support/Random.h"
-#include "tests/support/Soak.h"
+#include "tests/support/Test.h"
 #include "varnik/simd/Cpu.h"
 
 template <class Function>
@@ -54,7 +46,7 @@ std::string into(std::size_t room, Write write) {
   std::memset(out, 0xA5, room);
   const std::size_t count = write(out);
   EXPECT_LE(count, room);
-  return {reinterpret_cast<const char*>(out), count};
+  return stringAt(out, count);
 }
 
 /// The pieces that texts for a kernel are made of.
@@ -104,9 +96,7 @@ template <class Function, class Answer>
 void holdSpoilt(const std::vector<Form<Function>>& forms, const std::string& piece, Answer answer) {
   constexpr u32 kLength = 128 + 32 + 24;
   static GuardedBytes area(kLength);
-  std::string good;
-  while (good.size() < kLength) good += piece;
-  good.resize(kLength);
+  const std::string good = repeated(piece, kLength).substr(0, kLength);
   for (u32 at = 0; at < kLength; ++at)
     for (u32 value = at % 7; value < 256; value += 7) {
       std::string given = good;

@@ -1,9 +1,7 @@
 // Every form of every kernel against its scalar twin, whose answers the tests of what is built on it hold against plain
 // code, against other programs' and against the standards' examples.
-#include <algorithm>
 
 #include "tests/simd/Forms.h"
-#include "tests/support/Bytes.h"
 #include "varnik/simd/Ascii85.h"
 #include "varnik/simd/AsciiRun.h"
 #include "varnik/simd/Base32.h"
@@ -33,9 +31,6 @@ namespace {
 
 char* text(u8* p) {
   return reinterpret_cast<char*>(p);
-}
-std::string stringAt(const u8* p, std::size_t n) {
-  return {reinterpret_cast<const char*>(p), n};
 }
 
 /// What is written, by `write(out)` that returns how much was read and how much was written, and how much was read.
@@ -317,10 +312,6 @@ TEST(Kernels, Scans) {
 }
 
 // ---- UTF-16 units ----
-
-std::string unitsOf(std::u16string_view units) {
-  return {reinterpret_cast<const char*>(units.data()), units.size() * 2};
-}
 
 TEST(Kernels, LetterCase) {
   Pieces known, few(60, unitsOf(u"a"));

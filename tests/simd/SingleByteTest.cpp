@@ -1,10 +1,7 @@
 // Single-byte charsets to and from UTF-8: each form of a kernel against the scalar one, in every room. The tests of the
 // converter hold the scalar one against other programs.
-#include <gtest/gtest.h>
 
 #include "tests/simd/Forms.h"
-#include "tests/support/Bytes.h"
-#include "tests/support/GuardedBytes.h"
 #include "varnik/simd/SingleByte.h"
 
 namespace {

@@ -1,11 +1,6 @@
 // Conversions between the Unicode forms: each form of a kernel against the scalar one.
-#include <gtest/gtest.h>
-
-#include <map>
 
 #include "tests/simd/Forms.h"
-#include "tests/support/Bytes.h"
-#include "tests/support/GuardedBytes.h"
 #include "varnik/simd/Utf.h"
 
 namespace {
@@ -116,8 +111,7 @@ TEST(Utf, EachCharacterAtEachPlace) {
 }
 
 TEST(Utf, CountsOfLongTextsDoNotOverflowTheirLanes) {
-  std::string utf8;
-  while (utf8.size() < 3'000'000) utf8 += "\U0001F600\u20AC\u00E9x";
+  const std::string utf8 = repeated("\U0001F600\u20AC\u00E9x", 3'000'000);
   for (const Utf from : kAll) {
     std::string text(vk_simd::utfLength(Utf::k8, from, bytesOf(utf8), countOf(utf8)), '\0');
     vk_simd::convertUtf(Utf::k8, from, bytesOf(utf8), countOf(utf8), reinterpret_cast<u8*>(text.data()), countOf(text));

@@ -7,14 +7,7 @@
 
 namespace {
 
-thread_local u32 countdown = 0;  // refuses when it falls to 1; 0 is unarmed
-thread_local bool refusesForGood = false, hasStruck = false;
-thread_local s64 live = 0;
-thread_local u64 asked = 0, sum = 0, last = 0;
-thread_local const void* watched = nullptr;
-thread_local u32 watchedSize = 0;
-thread_local bool wasReleased = false;
-thread_local u8 seen[64];
+using faults::awaited, faults::pendingRefusal, faults::tally;
 
 // As the standard operators do; a handler that could find memory is not among us.
 void tellHandler() noexcept {
@@ -25,22 +18,15 @@ void tellHandler() noexcept {
 }
 
 void* allocate(std::size_t n) noexcept {
-  if (countdown != 0) {
-    if (countdown == 1) {
-      hasStruck = true;
-      if (!refusesForGood) countdown = 0;
-      tellHandler();
-      return nullptr;
-    }
-    --countdown;
+  if (pendingRefusal.countdown == 1) {
+    pendingRefusal.hasStruck = true;
+    if (!pendingRefusal.isForGood) pendingRefusal.countdown = 0;
+    tellHandler();
+    return nullptr;
   }
+  if (pendingRefusal.countdown != 0) --pendingRefusal.countdown;
   void* block = std::malloc(n != 0 ? n : 1);
-  if (block) {
-    ++live;
-    ++asked;
-    sum += n;
-    last = n;
-  }
+  if (block) tally = {tally.live + 1, tally.blocks + 1, tally.bytes + n, n};
   return block;
 }
 
@@ -50,12 +36,12 @@ void* allocateOrThrow(std::size_t n) {
 }
 
 void release(void* block) noexcept {
-  if (block && block == watched) {
-    std::memcpy(seen, block, watchedSize);
-    wasReleased = true;
-    watched = nullptr;
+  if (block && block == awaited.block) {
+    std::memcpy(awaited.seen, block, std::min<std::size_t>(awaited.n, sizeof awaited.seen));
+    awaited.wasReleased = true;
+    awaited.block = nullptr;
   }
-  if (block) --live;
+  if (block) --tally.live;
   std::free(block);
 }
 
@@ -85,47 +71,3 @@ void operator delete(void* block, std::size_t) noexcept {
 void operator delete[](void* block, std::size_t) noexcept {
   release(block);
 }
-
-namespace faults {
-
-FailAllocation::FailAllocation(u32 k, bool forGood) {
-  countdown = k;
-  refusesForGood = forGood;
-  hasStruck = false;
-}
-FailAllocation::~FailAllocation() {
-  countdown = 0;
-}
-bool FailAllocation::struck() const {
-  return hasStruck;
-}
-
-WatchRelease::WatchRelease(const void* block, u32 n) {
-  watched = block;
-  watchedSize = std::min<u32>(n, sizeof seen);
-  wasReleased = false;
-}
-WatchRelease::~WatchRelease() {
-  watched = nullptr;
-}
-bool WatchRelease::released() const {
-  return wasReleased;
-}
-const u8* WatchRelease::bytes() const {
-  return seen;
-}
-
-s64 liveBlocks() {
-  return live;
-}
-u64 allocations() {
-  return asked;
-}
-u64 allocatedBytes() {
-  return sum;
-}
-u64 lastAllocation() {
-  return last;
-}
-
-}  // namespace faults

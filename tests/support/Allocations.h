@@ -7,40 +7,55 @@
 
 namespace faults {
 
+/// What this thread has allocated: blocks not yet released (one that another thread releases counts there), blocks and
+/// bytes since it started, and the size that it asked for last.
+struct Tally {
+  s64 live;
+  u64 blocks, bytes, last;
+};
+inline thread_local Tally tally = {};
+
+/// Refuses when `countdown` falls to 1; 0 is unarmed.
+struct Refusal {
+  u32 countdown;
+  bool isForGood, hasStruck;
+};
+inline thread_local Refusal pendingRefusal = {};
+
 /// Makes the `k`-th allocation (from 1) of this thread fail, or that one and all after it, while the object lives.
 class FailAllocation {
  public:
-  FailAllocation(u32 k, bool forGood);
-  ~FailAllocation();
+  FailAllocation(u32 k, bool forGood) { pendingRefusal = {k, forGood, false}; }
+  ~FailAllocation() { pendingRefusal.countdown = 0; }
   FailAllocation(const FailAllocation&) = delete;
   FailAllocation& operator=(const FailAllocation&) = delete;
 
   /// True once an allocation was refused.
-  bool struck() const;
+  bool struck() const { return pendingRefusal.hasStruck; }
 };
+
+/// The block whose release is waited for, and what was seen of it.
+struct Watch {
+  const void* block;
+  u32 n;
+  bool wasReleased;
+  u8 seen[64];
+};
+inline thread_local Watch awaited = {};
 
 /// Copies the first bytes of a block at the moment of its release, while the object lives.
 class WatchRelease {
  public:
   /// REQUIRES: the block has `n` bytes, `n` at most 64.
-  WatchRelease(const void* block, u32 n);
-  ~WatchRelease();
+  WatchRelease(const void* block, u32 n) { awaited = {block, n, false, {}}; }
+  ~WatchRelease() { awaited.block = nullptr; }
   WatchRelease(const WatchRelease&) = delete;
   WatchRelease& operator=(const WatchRelease&) = delete;
 
-  bool released() const;
+  bool released() const { return awaited.wasReleased; }
   /// The bytes as they were when the block was released. REQUIRES: `released()`.
-  const u8* bytes() const;
+  const u8* bytes() const { return awaited.seen; }
 };
-
-/// How many blocks this thread has allocated and not yet released (a block that another thread releases counts there).
-s64 liveBlocks();
-/// How many blocks this thread has asked for since it started.
-u64 allocations();
-/// The sum of their sizes.
-u64 allocatedBytes();
-/// The size of the block that this thread asked for last.
-u64 lastAllocation();
 
 /// Calls `operation(k, forGood)` for k = 1, 2, ..., each once and for good, until it answers that no refusal came. The
 /// operation makes its objects, holds a `FailAllocation(k, forGood)` around the call under test only, checks what the

@@ -16,19 +16,29 @@ inline DataBuffer bufferOf(std::string_view bytes) {
   return b;
 }
 
+/// A buffer that borrows `n` bytes.
+inline DataBuffer borrowing(void* bytes, std::size_t n) {
+  DataBuffer b;
+  b.borrowData(bytes, static_cast<u32>(n));
+  return b;
+}
+inline DataBuffer borrowing(std::string& bytes) {
+  return borrowing(bytes.data(), bytes.size());
+}
+/// A string of the given UTF-8.
+inline XString wideOf(const char* utf8) {
+  XString text;
+  text.setFromUtf8(utf8);
+  return text;
+}
+
 /// Bytes from hex digits; blanks are skipped.
 inline std::string fromHex(std::string_view hex) {
   std::string bytes;
-  int high = -1;
+  u32 digits = 1;  // behind a bit that tells when there are two
   for (const char c : hex) {
-    if (c == ' ') continue;
-    const int digit = c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10;
-    if (high < 0) {
-      high = digit;
-    } else {
-      bytes.push_back(static_cast<char>(high * 16 + digit));
-      high = -1;
-    }
+    if (c != ' ') digits = digits << 4 | static_cast<u32>(c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10);
+    if (digits >= 0x100) bytes += static_cast<char>(digits), digits = 1;
   }
   return bytes;
 }
@@ -56,7 +66,23 @@ inline const u8* bytesOf(std::string_view s) {
 inline u32 countOf(std::string_view s) {
   return static_cast<u32>(s.size());
 }
+inline std::string stringAt(const void* bytes, std::size_t n) {
+  return {static_cast<const char*>(bytes), n};
+}
+/// UTF-16 units in host order, as a buffer keeps them.
+inline std::string unitsOf(std::u16string_view text) {
+  return stringAt(text.data(), text.size() * 2);
+}
 
+/// Takes what is said and keeps nothing.
+inline LogNull nowhere;
+
+/// A text again and again, until there are `n` characters at least.
+inline std::string repeated(std::string_view text, std::size_t n) {
+  std::string all;
+  while (all.size() < n) all += text;
+  return all;
+}
 /// `n` random bytes, the same for the same seed.
 inline std::string randomBytes(std::size_t n, u32 seed = 1) {
   std::mt19937 next = generator(seed);

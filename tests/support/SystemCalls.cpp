@@ -10,61 +10,49 @@
 #include <cerrno>
 #include <cstdarg>
 
-using faults::Call;
-using faults::Fault;
+using faults::Call, faults::Fault, faults::pendingStrike;
 
 namespace {
 
-constexpr int kKinds = static_cast<int>(Call::kAny) + 1;
-
-thread_local u64 made[kKinds] = {};
-thread_local Call watched = Call::kAny;
-thread_local u32 countdown = 0;  // strikes when it falls to 1; 0 is unarmed
-thread_local bool strikesForGood = false, hasStruck = false;
-thread_local Fault armed = {};
+thread_local u64 made[static_cast<int>(Call::kAny) + 1] = {};
 
 // Counts a call; true when it is to be struck.
 bool strikes(Call call) {
   ++made[static_cast<int>(call)];
   ++made[static_cast<int>(Call::kAny)];
-  if (countdown == 0 || (watched != call && watched != Call::kAny)) return false;
-  if (countdown > 1) {
-    --countdown;
+  if (pendingStrike.countdown == 0 || (pendingStrike.watched != call && pendingStrike.watched != Call::kAny))
     return false;
-  }
-  hasStruck = true;
-  if (!strikesForGood) countdown = 0;
-  if (armed.kind == Fault::kDie) _exit(9);
+  if (pendingStrike.countdown > 1) return --pendingStrike.countdown, false;
+  pendingStrike.hasStruck = true;
+  if (!pendingStrike.isForGood) pendingStrike.countdown = 0;
+  if (pendingStrike.fault.kind == Fault::kDie) _exit(9);
   return true;
 }
 
 // For calls that either work or fail.
 bool fails(Call call) {
-  if (!strikes(call) || armed.kind != Fault::kError) return false;
-  errno = armed.value;
+  if (!strikes(call) || pendingStrike.fault.kind != Fault::kError) return false;
+  errno = pendingStrike.fault.value;
   return true;
 }
 
 // For calls that move bytes: false when the call is to be made, with what is left in `n`, else its answer is `answer`.
 bool intercepts(Call call, std::size_t& n, ssize_t& answer) {
   if (!strikes(call)) return false;
-  switch (armed.kind) {
+  const int value = pendingStrike.fault.value;
+  switch (pendingStrike.fault.kind) {
     case Fault::kError:
-      errno = armed.value;
+      errno = value;
       answer = -1;
       return true;
     case Fault::kNothing:
       answer = 0;
       return true;
     case Fault::kShort:
-      n = n > static_cast<std::size_t>(armed.value) ? n - static_cast<std::size_t>(armed.value)
-                                                    : std::min<std::size_t>(n, 1);
+      n = n > static_cast<std::size_t>(value) ? n - static_cast<std::size_t>(value) : std::min<std::size_t>(n, 1);
       return false;
     case Fault::kBreak:
-      armed.kind = armed.value != 0 ? Fault::kError : Fault::kNothing;
-      watched = call;
-      countdown = 1;
-      strikesForGood = true;
+      pendingStrike = {call, 1, true, true, {value != 0 ? Fault::kError : Fault::kNothing, value}};
       [[fallthrough]];
     default:
       n = (n + 1) / 2;
@@ -139,20 +127,6 @@ WRAP_MOVE(getrandom, (void* to, size_t n, unsigned flags), Call::kRandom, (to, n
 }
 
 namespace faults {
-
-FailCall::FailCall(Call call, u32 k, bool forGood, Fault fault) {
-  watched = call;
-  countdown = k;
-  strikesForGood = forGood;
-  hasStruck = false;
-  armed = fault;
-}
-FailCall::~FailCall() {
-  countdown = 0;
-}
-bool FailCall::struck() const {
-  return hasStruck;
-}
 
 u64 calls(Call call) {
   return made[static_cast<int>(call)];

@@ -41,16 +41,25 @@ struct Fault {
   int value;
 };
 
+/// Strikes a watched call when `countdown` falls to 1; 0 is unarmed.
+struct Strike {
+  Call watched;
+  u32 countdown;
+  bool isForGood, hasStruck;
+  Fault fault;
+};
+inline thread_local Strike pendingStrike = {};
+
 /// Strikes the `k`-th call (from 1) of this thread of one kind, or that one and all after it, while the object lives.
 class FailCall {
  public:
-  FailCall(Call call, u32 k, bool forGood, Fault fault);
-  ~FailCall();
+  FailCall(Call call, u32 k, bool forGood, Fault fault) { pendingStrike = {call, k, forGood, false, fault}; }
+  ~FailCall() { pendingStrike.countdown = 0; }
   FailCall(const FailCall&) = delete;
   FailCall& operator=(const FailCall&) = delete;
 
   /// True once a call was struck.
-  bool struck() const;
+  bool struck() const { return pendingStrike.hasStruck; }
 };
 
 /// How many calls of a kind this thread has made.

@@ -1,14 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
-#include "tests/support/Bytes.h"
-#include "tests/support/GuardedBytes.h"
-#include "tests/support/Random.h"
+#include "tests/support/Test.h"
 
 namespace {
-
-using namespace std::string_literals;
 
 struct Case {
   const char* what;
@@ -29,7 +21,7 @@ void check(const std::vector<Case>& cases, Operation operation) {
 // Holds an operation against a slow model: random contents of every length, made of the bytes that matter, between
 // unreadable pages.
 template <class Operation, class Model>
-void compare(std::string_view alphabet, Operation operation, Model model) {
+void compare(Operation operation, Model model, std::string_view alphabet) {
   GuardedBytes area(2100);
   for (u32 seed = 0; seed < 3000; ++seed) {
     Random random(seed);
@@ -37,8 +29,7 @@ void compare(std::string_view alphabet, Operation operation, Model model) {
     std::string given = random.text(n, alphabet);
     if (seed % 3 != 0) given += std::string(random.below(seed % 9 == 1 ? 900 : 200), 'x') + random.text(60, alphabet);
     if (given.empty()) continue;
-    DataBuffer b;
-    b.borrowData(area.ending(given), countOf(given));
+    DataBuffer b = borrowing(area.ending(given), given.size());
     operation(b);
     ASSERT_EQ(textOf(b), model(given)) << "seed " << seed;
   }
@@ -57,9 +48,9 @@ std::string popModel(const std::string& s) {
 }
 
 TEST(CleanUp, UndoesDotStuffing) {
-  check({{"a pair at the start stays", "..\r\n\n..", "..\r\n\n."}}, [](DataBuffer& b) { b.processRawPopMime(); });
-  compare(
-      "\n\n....x", [](DataBuffer& b) { b.processRawPopMime(); }, popModel);
+  const auto undo = [](DataBuffer& b) { b.processRawPopMime(); };
+  check({{"a pair at the start stays", "..\r\n\n..", "..\r\n\n."}}, undo);
+  compare(undo, popModel, "\n\n....x");
 }
 
 const std::string kProbe = "\0337\033[r\033[999;999H\033[6n\0338";
@@ -81,6 +72,7 @@ std::string colourModel(const std::string& s) {
 
 TEST(CleanUp, StripsTerminalSequences) {
   ASSERT_EQ(kProbe.size(), 21U);
+  const auto strip = [](DataBuffer& b) { b.stripTerminalColorCodes(); };
   check({{"colour on and off", "\033[01;31mred\033[0m", "red"},
          {"the shortest", "a\033[mb", "ab"},
          {"sixteen bytes", "\033[1234567890123mx", "x"},
@@ -97,20 +89,16 @@ TEST(CleanUp, StripsTerminalSequences) {
          {"the probe cut off before text", kProbe.substr(0, 20) + "m", kProbe.substr(0, 5)},
          {"no ESC", "[31m", "[31m"},
          {"nothing", "", ""}},
-        [](DataBuffer& b) { b.stripTerminalColorCodes(); });
-  compare(
-      "\033\033\033[[[1m78", [](DataBuffer& b) { b.stripTerminalColorCodes(); }, colourModel);
-  compare(
-      "\033[1234567890;x", [](DataBuffer& b) { b.stripTerminalColorCodes(); }, colourModel);
+        strip);
+  compare(strip, colourModel, "\033\033\033[[[1m78");
+  compare(strip, colourModel, "\033[1234567890;x");
 }
 
 // A sequence that never ends must not make every ESC look to the end of the data.
 TEST(CleanUp, StripsEndlessSequencesInLinearTime) {
-  std::string text;
-  while (text.size() < 4'000'000) text += "\033[";
-  DataBuffer b = bufferOf(text);
+  DataBuffer b = bufferOf(repeated("\033[", 4'000'000));
   b.stripTerminalColorCodes();
-  EXPECT_EQ(b.size(), text.size());
+  EXPECT_EQ(b.size(), 4'000'000u);
 }
 
 TEST(CleanUp, ReplacesAndDropsBytes) {

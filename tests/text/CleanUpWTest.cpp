@@ -1,21 +1,13 @@
-#include <gtest/gtest.h>
-
-#include "tests/support/Bytes.h"
+#include "tests/support/Test.h"
 
 namespace {
-
-// UTF-16 units in host order, as a buffer keeps them.
-std::string unitsOf(std::u16string_view text) {
-  return {reinterpret_cast<const char*>(text.data()), text.size() * 2};
-}
 
 // Runs an operation on units at an even and at an odd address and compares what is left.
 template <class Operation>
 void check(const char* what, const std::string& given, const std::string& left, Operation operation) {
   for (const u32 offset : {0U, 1U}) {
     std::string lent = std::string(offset, '.') + given;
-    DataBuffer b;
-    b.borrowData(lent.data() + offset, countOf(given));
+    DataBuffer b = borrowing(lent.data() + offset, given.size());
     operation(b);
     EXPECT_EQ(textOf(b), left) << what << ", offset " << offset;
   }

@@ -1,10 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <map>
-
-#include "tests/support/Bytes.h"
-#include "tests/support/GuardedBytes.h"
-#include "tests/support/Random.h"
+#include "tests/support/Test.h"
 
 namespace {
 
@@ -72,8 +66,7 @@ TEST(CombiningMarks, AgreesWithTheSlowModel) {
       given += '\xCC';
       given += random.text(1, "\x80\x81\x82\x83\x84\x88\x8A\xA6\xA7");
     }
-    DataBuffer b;
-    if (!given.empty()) b.borrowData(area.ending(given), countOf(given));
+    DataBuffer b = given.empty() ? DataBuffer() : borrowing(area.ending(given), given.size());
     b.consumeUtf8CombiningMarks();
     ASSERT_EQ(textOf(b), model(given)) << "seed " << seed;
   }

@@ -1,12 +1,6 @@
-#include <gtest/gtest.h>
-
-#include "tests/support/Bytes.h"
-#include "tests/support/GuardedBytes.h"
-#include "tests/support/Random.h"
+#include "tests/support/Test.h"
 
 namespace {
-
-using namespace std::string_literals;
 
 bool longerModel(const std::string& s, u32 most) {
   u32 run = 0;
@@ -37,22 +31,17 @@ TEST(Scans, MeasuresLines) {
     while (text.size() < end)
       text += std::string(random.below(longest + 1), 'x') + random.text(1 + random.below(2), "\r\n");
     if (text.empty()) continue;
-    DataBuffer b;
-    b.borrowData(area.ending(text), countOf(text));
+    const DataBuffer b = borrowing(area.ending(text), text.size());
     for (const u32 most : {0U, longest - 1, longest, longest / 2, longest + 40})
       ASSERT_EQ(b.hasLineLonger(most), longerModel(text, most)) << "seed " << seed << ", " << most;
   }
 }
 
 TEST(Scans, FindsBareLineEnds) {
-  constexpr struct {
-    const char* text;
-    bool bare;
-  } kCases[] = {
-      {"", false},      {"\r\n", false},  {"a\r\nb\r\n\r\n", false}, {"\n", true},   {"\r", true},      {"a\r", true},
-      {"\r\r\n", true}, {"\r\n\n", true}, {"a\r\nb\r", true},        {"\n\r", true}, {"no end", false},
-  };
-  for (const auto& c : kCases) EXPECT_EQ(bufferOf(c.text).containsBareCRLF(), c.bare) << c.text;
+  for (const char* text : {"", "\r\n", "a\r\nb\r\n\r\n", "no end"})
+    EXPECT_FALSE(bufferOf(text).containsBareCRLF()) << text;
+  for (const char* text : {"\n", "\r", "a\r", "\r\r\n", "\r\n\n", "a\r\nb\r", "\n\r"})
+    EXPECT_TRUE(bufferOf(text).containsBareCRLF()) << text;
 }
 
 TEST(Scans, FindsOneByte) {
@@ -69,12 +58,9 @@ TEST(Scans, FindsOneByte) {
 }
 
 TEST(Scans, KnowsAlternateZeros) {
-  const struct {
-    const char* hex;
-    bool alternate;
-  } kCases[] = {{"41 00 42 00", true}, {"41 00 42", true}, {"41", false},
-                {"", false},           {"41 42", false},   {"00 00", true}};
-  for (const auto& c : kCases) EXPECT_EQ(bufferOf(fromHex(c.hex)).altBytesNull(), c.alternate) << c.hex;
+  for (const char* hex : {"41 00 42 00", "41 00 42", "00 00"})
+    EXPECT_TRUE(bufferOf(fromHex(hex)).altBytesNull()) << hex;
+  for (const char* hex : {"", "41", "41 42"}) EXPECT_FALSE(bufferOf(fromHex(hex)).altBytesNull()) << hex;
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
 // Code pages found in the bytes, and conversions from and to Unicode.
-#include <gtest/gtest.h>
 
 #include "tests/services/CharsetSupport.h"
 
@@ -12,39 +11,23 @@ std::string zerosAt(u32 n, u32 first, u32 count) {
 }
 
 TEST(Unicode, DetectsTheObviousCodePage) {
-  const struct {
-    std::string text;
-    s32 codePage;
-  } kCases[] = {
-      {"", -1},
-      {"A", -1},
-      {std::string(1, '\0'), 1201},
-      {fromHex("FFFE0000 3C"), 12000},
-      {fromHex("FFFE0000"), 12000},
-      {fromHex("FFFE3C00"), 1200},
-      {fromHex("FFFE"), 1200},
-      {fromHex("FEFF"), 1201},
-      {fromHex("EFBBBF"), 65001},
-      {fromHex("EFBB"), -1},
-      {fromHex("0000FEFF"), 12001},
-      {fromHex("0000FE"), 1200},
-      {fromHex("3C003F00"), 1200},
-      {fromHex("003C003F"), 1201},
-      {"plain ASCII text, a good deal of it", -1},
-      {zerosAt(7, 1, 1), 1200},
-      {zerosAt(8, 7, 1), 1200},
-      {zerosAt(16, 1, 1), -1},
-      {zerosAt(16, 1, 2), 1200},
-      {zerosAt(1000, 1, 20), -1},
-      {zerosAt(1000, 901, 33), 1200},
-      {zerosAt(1001, 936, 33), 1201},
-      {zerosAt(1000, 1, 32), -1},
-      {zerosAt(200, 0, 25), 1201},
-      {zerosAt(200, 0, 24), -1},
-      {zerosAt(100, 0, 30) + zerosAt(100, 1, 1), 1201},
-      {zerosAt(2500, 0, 1000) + zerosAt(2500, 1, 33), 1200},
+  const std::pair<s32, std::vector<std::string>> kCases[] = {
+      {-1,
+       {"", "A", fromHex("EFBB"), "plain ASCII text, a good deal of it", zerosAt(16, 1, 1), zerosAt(1000, 1, 20),
+        zerosAt(1000, 1, 32), zerosAt(200, 0, 24)}},
+      {65001, {fromHex("EFBBBF")}},
+      {12000, {fromHex("FFFE0000 3C"), fromHex("FFFE0000")}},
+      {12001, {fromHex("0000FEFF")}},
+      {1200,
+       {fromHex("FFFE3C00"), fromHex("FFFE"), fromHex("0000FE"), fromHex("3C003F00"), zerosAt(7, 1, 1),
+        zerosAt(8, 7, 1), zerosAt(16, 1, 2), zerosAt(1000, 901, 33), zerosAt(2500, 0, 1000) + zerosAt(2500, 1, 33)}},
+      {1201,
+       {std::string(1, '\0'), fromHex("FEFF"), fromHex("003C003F"), zerosAt(1001, 936, 33), zerosAt(200, 0, 25),
+        zerosAt(100, 0, 30) + zerosAt(100, 1, 1)}},
   };
-  for (const auto& c : kCases) EXPECT_EQ(bufferOf(c.text).detectObviousCodePage(), c.codePage) << c.text.size();
+  for (const auto& [codePage, texts] : kCases)
+    for (const std::string& text : texts)
+      EXPECT_EQ(bufferOf(text).detectObviousCodePage(), codePage) << ::testing::PrintToString(text);
   DataBuffer cleared = bufferOf("x");
   cleared.clear();
   EXPECT_TRUE(cleared.detectObviousCodePage() == -1 && DataBuffer().detectObviousCodePage() == -1);
@@ -85,8 +68,7 @@ TEST(Unicode, CountsTheBytesOfACharacterThatIsCut) {
 }
 
 TEST(Unicode, DecodesIntoAString) {
-  XString text;
-  text.setFromUtf8("before");
+  XString text = wideOf("before");
   bufferOf("caf\xE9 \x80").toXString("windows-1252", text);
   EXPECT_STREQ(text.getUtf8(), "caf\u00E9 \u20AC");
   bufferOf("\uFEFF\U0001F600\xFF").toXString("utf-8", text);

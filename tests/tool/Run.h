@@ -5,11 +5,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <sstream>
-#include <string>
+
+#include "tests/support/TempFolder.h"
 
 struct Ran {
   int status;  // the exit status; 128 and the signal's number for a process that was killed
@@ -17,33 +15,22 @@ struct Ran {
   long mostResident;  // KiB, at the most
 };
 
-inline std::string contentOf(const std::filesystem::path& file) {
-  std::ostringstream content;
-  content << std::ifstream(file, std::ios::binary).rdbuf();
-  return content.str();
-}
-
 /// A folder of its own for a test, with the sample documents in it; gone with the object.
 class Desk {
  public:
   Desk() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "vkbuf-test-XXXXXX").string();
-    folder_ = mkdtemp(pattern.data());
     std::filesystem::create_directory(folder_ / "desk");
     for (const auto& each : std::filesystem::directory_iterator(TREE "/examples/xml"))
       if (each.path().extension() == ".xml") std::filesystem::copy(each.path(), folder_ / "desk");
   }
-  Desk(const Desk&) = delete;
-  Desk& operator=(const Desk&) = delete;
-  ~Desk() { std::filesystem::remove_all(folder_); }
 
-  std::filesystem::path at(const std::string& name) const { return folder_ / "desk" / name; }
+  std::filesystem::path at(const std::string& name) const { return folder_ / ("desk/" + name); }
 
   /// Runs a line of shell in the folder, `vkbuf` being the tool under test.
   Ran run(const std::string& line) const {
     const std::string tool = std::filesystem::path(VKBUF).parent_path().string();
-    const std::string whole = "cd '" + (folder_ / "desk").string() + "' && PATH='" + tool +
-                              "':\"$PATH\" && LC_ALL=C.UTF-8 && { " + line + "\n} >../out 2>../err </dev/null";
+    const std::string whole = "cd '" + folder_ / "desk" + "' && PATH='" + tool + "':\"$PATH\" && LC_ALL=C.UTF-8 && { " +
+                              line + "\n} >../out 2>../err </dev/null";
     const pid_t child = fork();
     if (child == 0) {
       execl("/bin/sh", "sh", "-c", whole.c_str(), nullptr);
@@ -52,10 +39,10 @@ class Desk {
     int status = 0;
     rusage used = {};
     wait4(child, &status, 0, &used);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), contentOf(folder_ / "out"),
-            contentOf(folder_ / "err"), used.ru_maxrss};
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), readFile(folder_ / "out"),
+            readFile(folder_ / "err"), used.ru_maxrss};
   }
 
  private:
-  std::filesystem::path folder_;
+  TempFolder folder_;
 };

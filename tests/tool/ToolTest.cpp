@@ -74,7 +74,7 @@ TEST(Tool, AnswersAsInTheSessions) {
 
 // The README shows the program that is built and run, and what the tool answers.
 TEST(Tool, AnswersAsTheReadmeSays) {
-  const std::string readme = contentOf(TREE "/README.md"), program = contentOf(TREE "/examples/first.cpp");
+  const std::string readme = readFile(TREE "/README.md"), program = readFile(TREE "/examples/first.cpp");
   EXPECT_NE(readme.find(program.substr(program.find('#'))), readme.npos);
   const Desk desk;
   desk.run("mkdir examples && ln -s .. examples/xml");

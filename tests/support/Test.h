@@ -1,0 +1,27 @@
+// What most tests need: GoogleTest, the library, and everything that the tests share.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstring>
+#include <functional>
+#include <map>
+#include <memory>
+#include <set>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "tests/support/Allocations.h"
+#include "tests/support/Bytes.h"
+#include "tests/support/GuardedBytes.h"
+#include "tests/support/Soak.h"
+#include "tests/support/SystemCalls.h"
+#include "tests/support/TempFolder.h"
+
+using faults::Call;
+using faults::Fault;
+using namespace std::literals;
