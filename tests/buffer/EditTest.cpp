@@ -75,8 +75,7 @@ TEST(Edit, Forms) {
       {"no tail", [](DataBuffer& b) { return b.slideTailToFront(0, nowhere), true; }, true, "abcde"},
       {"mask", [](DataBuffer& b) { return b.applyMask("\x0F\xF0\xFF\x7F\x0F\0", 6), true; }, true, "\x01`cd\x05"},
       {"short mask", [](DataBuffer& b) { return b.applyMask("\x0F", 1), b.applyMask(nullptr, 3), true; }, true,
-       "\x01"
-       "bcde"},
+       "\1bcde"},
   };
   for (const auto& c : kCases) {
     DataBuffer b;

@@ -1,7 +1,5 @@
 #include "tests/support/Test.h"
 
-namespace {
-
 // Every way in which two buffers exchange their storage; the flag goes only with a swap.
 TEST(Ownership, PassesBetweenBuffers) {
   constexpr struct {
@@ -121,5 +119,3 @@ TEST(Ownership, Copies) {
   b.copy(DataBuffer());
   EXPECT_EQ(stateOf(b), " of 0, no block");
 }
-
-}  // namespace

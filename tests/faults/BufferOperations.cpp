@@ -34,11 +34,7 @@ std::vector<Operation> bufferOperations() {
            const std::unique_ptr<DataBuffer> made(DataBuffer::createNewObject());
            return made && s.buffer.append("made", 4);
          }),
-      emptying("copy constructor",
-               [](Scene& s) {
-                 DataBuffer copied(s.source);
-                 s.buffer.takeData(copied);
-               }),
+      emptying("copy constructor", [](Scene& s) { s.buffer = DataBuffer(s.source); }),
       emptying("copy assignment", [](Scene& s) { s.buffer = s.source; }),
       emptying("copy", [](Scene& s) { s.buffer.copy(s.source); }),
       emptying("copyData", [](Scene& s) { s.buffer.copyData(s.source.getData2(), 99); }),

@@ -4,8 +4,6 @@
 
 #include "tests/support/Test.h"
 
-namespace {
-
 TEST(Fmt, FormatsTextAndDescribesBytes) {
   EXPECT_EQ(fmt::format("{}|{:>6}|{:.2}", StringBuffer("abc"), StringBuffer("abc"), StringBuffer("abc")),
             "abc|   abc|ab");
@@ -18,5 +16,3 @@ TEST(Fmt, ShowsNothingOfASecret) {
   secret.secure = 1;
   EXPECT_EQ(fmt::format("{}", secret), "11 bytes, secure");
 }
-
-}  // namespace

@@ -1,7 +1,5 @@
 #include "tests/support/Test.h"
 
-namespace {
-
 constexpr u32 kNone = 0xFFFFFFFF;
 
 // Every search, from every place on, and both ends.
@@ -69,5 +67,3 @@ TEST(Find, TellsHowFarItLooked) {
   EXPECT_TRUE(b.containsSubstring("bca", kNone));
   EXPECT_FALSE(b.containsSubstring("bca", 3));
 }
-
-}  // namespace

@@ -18,9 +18,7 @@ TEST(Replace, AgreesWithThePlainReplacement) {
   for (u32 seed = 0; seed < 500; ++seed) {
     Random random(seed);
     std::string text = random.text(random.below(seed % 5 == 0 ? 5 : 2000), "aaa\xFF");
-    const std::string find = random.text(1 + random.below(4), "a\xFF"), with = random.text(random.below(6),
-                                                                                           "a\xFF"
-                                                                                           "c");
+    const std::string find = random.text(1 + random.below(4), "a\xFF"), with = random.text(random.below(6), "a\377c");
     DataBuffer b = bufferOf(text);
     const u32 count = replaceAll(b, find, with);
     ASSERT_EQ(count, replaceSlowly(text, find, with)) << seed;
@@ -32,35 +30,28 @@ TEST(Replace, KeepsTheBlockWhereNothingIsFound) {
   DataBuffer b = bufferOf("abc"), none;
   const u8* const block = b.getData2();
   const u64 before = faults::tally.blocks;
-  EXPECT_EQ(replaceAll(b, "abd", "x"), 0U);
-  EXPECT_EQ(replaceAll(b, "abcd", "x"), 0U);
-  EXPECT_EQ(b.replaceAllOccurances(nullptr, 1, block, 1), 0U);
-  EXPECT_EQ(b.replaceAllOccurances(block, 0, block, 1), 0U);
-  EXPECT_EQ(replaceAll(none, "a", "x"), 0U);
+  EXPECT_EQ(replaceAll(b, "abd", "x") + replaceAll(b, "abcd", "x") + replaceAll(none, "a", "x"), 0U);
+  EXPECT_EQ(b.replaceAllOccurances(nullptr, 1, block, 1) + b.replaceAllOccurances(block, 0, block, 1), 0U);
   EXPECT_EQ(faults::tally.blocks, before);
-  EXPECT_EQ(b.getData2(), block);
-  EXPECT_EQ(b.getBufSize(), 20'000U);
+  EXPECT_TRUE(b.getData2() == block && stateOf(b) == "abc of 20000");
 }
 
 // The new block has the old size; only a result that outgrows it grows, as any append does.
 TEST(Replace, GrowsFromTheOldSize) {
   DataBuffer b = bufferOf("abcabc");
   EXPECT_EQ(b.replaceAllOccurances(bytesOf("b"), 1, nullptr, 7), 2U);
-  EXPECT_EQ(textOf(b), "acac");
-  EXPECT_EQ(b.getBufSize(), 6U);
+  EXPECT_EQ(stateOf(b), "acac of 6");
   EXPECT_EQ(replaceAll(b, "c", "xy"), 2U);
-  EXPECT_EQ(textOf(b), "axyaxy");
-  EXPECT_EQ(b.getBufSize(), 20'004U) << "the last two bytes met a full block of four";
+  EXPECT_EQ(stateOf(b), "axyaxy of 20004") << "the last two bytes met a full block of four";
 }
 
 TEST(Replace, LeavesABorrowedBlockAlone) {
   std::string lent = "abcabc";
   DataBuffer b = borrowing(lent);
   EXPECT_EQ(replaceAll(b, "x", "y"), 0U);
-  EXPECT_EQ(b.heapUsage(), 0U) << "still borrowed";
+  EXPECT_EQ(stateOf(b), "abcabc of 6, lent");
   EXPECT_EQ(replaceAll(b, "b", "X"), 2U);
-  EXPECT_EQ(textOf(b), "aXcaXc");
-  EXPECT_EQ(b.heapUsage(), 6U);
+  EXPECT_EQ(stateOf(b), "aXcaXc of 6");
   EXPECT_EQ(lent, "abcabc");
 }
 

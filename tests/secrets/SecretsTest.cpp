@@ -122,19 +122,13 @@ TEST(SecretData, WipesWhatWasHandedOutBefore) {
     set(holder, key, "the first secret");
     ASSERT_TRUE(holder.getSecret(key, out, nowhere));
     set(holder, key, "the second one is longer");
-    EXPECT_EQ(seenAtRelease(out,
-                            [&] {
-                              holder.getSecret(*second, out, nowhere);
-                              out.clearWithDeallocate();
-                            }),
-              std::string(16, '\0'));
+    const auto let = [&] { holder.getSecret(*second, out, nowhere), out.clearWithDeallocate(); };
+    EXPECT_EQ(seenAtRelease(out, let), std::string(16, '\0'));
   }
 }
 
 TEST(SecretString, HandsOutWhatItHolds) {
-  const std::string secret =
-      "s\xC3\xA9"
-      "cret";
+  const std::string secret = "s\u00E9cret";
   SecretString holder;
   DataBuffer key, none;
   LogText log;

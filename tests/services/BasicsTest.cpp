@@ -1,8 +1,6 @@
 // Memory, text helpers, logging, the lock and reference counts.
 #include "tests/support/Test.h"
 
-namespace {
-
 TEST(Memory, Helpers) {
   u8* none = allocByteArray(0);
   EXPECT_NE(none, nullptr);
@@ -125,5 +123,3 @@ TEST(RefCount, DeletesWithTheLastOwner) {
   object->decRefCount();
   EXPECT_TRUE(gone);
 }
-
-}  // namespace

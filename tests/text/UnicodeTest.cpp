@@ -46,16 +46,13 @@ TEST(Unicode, Is7bit) {
   }
 }
 
+// No conversion from an unknown code page succeeds; there has to be a character below U+0100.
 TEST(Unicode, IsReallyUtf8) {
-  EXPECT_FALSE(bufferOf("plain").isReallyUtf8(20127));
-  EXPECT_FALSE(bufferOf("").isReallyUtf8(1));
-  EXPECT_FALSE(bufferOf("caf\u00E9").isReallyUtf8(1252));
-  EXPECT_TRUE(bufferOf("caf\u00E9").isReallyUtf8(20127));
-  EXPECT_TRUE(bufferOf("\u00FFcaf").isReallyUtf8(1)) << "no conversion from an unknown code page succeeds";
-  EXPECT_FALSE(bufferOf("\u0153uvre").isReallyUtf8(20127)) << "no character below U+0100";
-  EXPECT_FALSE(bufferOf("\xC3").isReallyUtf8(20127));
-  EXPECT_FALSE(bufferOf("\xC3z\xC3").isReallyUtf8(20127));
-  EXPECT_TRUE(bufferOf("\xFF\xC3\xFF").isReallyUtf8(20127));
+  for (const auto& [text, page] : {std::pair{"caf\u00E9", 20127}, {"\u00FFcaf", 1}, {"\xFF\xC3\xFF", 20127}})
+    EXPECT_TRUE(bufferOf(text).isReallyUtf8(page)) << text;
+  for (const char* text : {"plain", "\u0153uvre", "\xC3", "\xC3z\xC3"})
+    EXPECT_FALSE(bufferOf(text).isReallyUtf8(20127)) << text;
+  EXPECT_FALSE(bufferOf("").isReallyUtf8(1) || bufferOf("caf\u00E9").isReallyUtf8(1252));
 }
 
 TEST(Unicode, CountsTheBytesOfACharacterThatIsCut) {
