@@ -119,6 +119,8 @@ TEST(Encode, AgreesWithOtherPrograms) {
   for (const auto& [bytes, text] : {std::pair(x76 + "\r\n" + x76, x76 + "\r\n" + x76),
                                     {x76 + "x", x75 + "=\r\nxx"},
                                     {x75 + " ", x75 + "=\r\n=20"},
+                                    {x73 + " \r\n", x73 + "=20\r\n"},
+                                    {x75 + "\x7F\r\n", x75 + "=\r\n=7F\r\n"},
                                     {x73 + "\xFF", x73 + "=FF"},
                                     {x73 + "x\xFF", x73 + "x=\r\n=FF"}})
     EXPECT_EQ(encoded("qp", bytes), text);
