@@ -175,9 +175,6 @@ TEST(Storage, IsARegularType) {
   EXPECT_TRUE(a.append("x", 1));
   a = std::move(borrower);
   EXPECT_EQ(stateOf(a), "123 of 3, lent");
-
-  const faults::FailAllocation none(1, true);
-  EXPECT_EQ(DataBuffer::createNewObject(), nullptr);
 }
 
 // Every guarded operation on a destroyed object answers false, null or 0 and reports once.

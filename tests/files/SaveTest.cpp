@@ -22,22 +22,10 @@ mode_t modeOf(const std::string& path) {
   return statOf(path).st_mode & 07777;
 }
 
-// How a child process ended: its exit status.
-int waitFor(pid_t child) {
-  int status = 0;
-  waitpid(child, &status, 0);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : 255;
-}
-
 // Runs `body` in a process of another user, and returns its exit status.
 template <class Body>
 int asNobody(Body body) {
-  const pid_t child = fork();
-  if (child == 0) {
-    if (setgid(65534) != 0 || setuid(65534) != 0) _exit(77);
-    _exit(body() ? 0 : 1);
-  }
-  return waitFor(child);
+  return inChild([&] { return setgid(65534) != 0 || setuid(65534) != 0 ? 77 : body() ? 0 : 1; });
 }
 
 TEST(Save, CreatesAndReplaces) {
@@ -179,8 +167,7 @@ TEST(Save, OutlivesTheReaderOfAPipe) {
   const TempFolder folder;
   const std::string pipe = folder / "pipe";
   mkfifo(pipe.c_str(), 0600);
-  const pid_t child = fork();
-  if (child == 0) {
+  const int status = inChild([&] {
     signal(SIGPIPE, SIG_DFL);
     const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
     vk_files::AtomicFile file;
@@ -190,9 +177,9 @@ TEST(Save, OutlivesTheReaderOfAPipe) {
     sigset_t waiting, blocked;
     sigpending(&waiting);
     pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
-    _exit(right && !sigismember(&waiting, SIGPIPE) && !sigismember(&blocked, SIGPIPE) ? 0 : 1);
-  }
-  EXPECT_EQ(waitFor(child), 0);
+    return right && !sigismember(&waiting, SIGPIPE) && !sigismember(&blocked, SIGPIPE) ? 0 : 1;
+  });
+  EXPECT_EQ(status, 0);
 }
 
 TEST(Save, LeavesOldOrNewAfterEachFailure) {
@@ -248,12 +235,10 @@ TEST(Save, IsWholeWhereverTheProcessDies) {
       const TempFolder folder;
       const std::string path = folder / "f", content = randomBytes(300'000);
       if (replaces) writeFile(path, "old content");
-      const pid_t child = fork();
-      if (child == 0) {
+      const int status = inChild([&] {
         const faults::FailCall armed(Call::kAny, k, false, {Fault::kDie, 0});
-        _exit(save(path, content) ? 0 : 1);
-      }
-      const int status = waitFor(child);
+        return save(path, content) ? 0 : 1;
+      });
       const std::string left = readFile(path);
       EXPECT_TRUE(left == content || left == (replaces ? "old content" : "(none)")) << "call " << k;
       if (status == 0) break;

@@ -29,18 +29,12 @@ Result run(Convert* convert, Utf from, Utf to, std::string_view text, u32 room) 
 
 // Pieces of text that meet in every combination: each length of character, runs of each, and bad parts.
 std::string pieces(u32 seed, u32 count, bool withBad) {
-  static const std::string kGood[] = {"a",
-                                      "plain text of some length, enough for a block ",
-                                      "\u00E9",
-                                      "\u041F\u0440\u0438\u0432\u0435\u0442\u043C\u0438\u0440",
-                                      "\u20AC",
-                                      "\u7F13\u51B2\u533A\u5B57\u7B26\u7F16\u7801",
-                                      "\U0001F600",
-                                      "\U00010000\U0010FFFF",
-                                      "\uFFFD",
-                                      "\uE000\uD7FF",
-                                      std::string(1, '\0'),
-                                      "\x7F\u0080\u07FF\u0800\uFFFF"};
+  static const std::string kGood[] = {"a",          "plain text of some length, enough for a block ",
+                                      "\u00E9",     "\u041F\u0440\u0438\u0432\u0435\u0442\u043C\u0438\u0440",
+                                      "\u20AC",     "\u7F13\u51B2\u533A\u5B57\u7B26\u7F16\u7801",
+                                      "\U0001F600", "\U00010000\U0010FFFF",
+                                      "\uFFFD",     "\uE000\uD7FF",
+                                      "\0"s,        "\x7F\u0080\u07FF\u0800\uFFFF"};
   static const std::string kBad[] = {"\x80",         "\xC3",     "\xE2\x82",         "\xF0\x9F\x98",
                                      "\xED\xA0\x80", "\xC0\xAF", "\xF4\x90\x80\x80", "\xFF"};
   std::mt19937 next = generator(seed);

@@ -22,6 +22,16 @@
 #include "tests/support/SystemCalls.h"
 #include "tests/support/TempFolder.h"
 
+/// Runs `body` in a process of its own, and returns what it returns; 255 where it does not end by itself.
+template <class Body>
+int inChild(Body body) {
+  const pid_t child = fork();
+  if (child == 0) _exit(body());
+  int status = 0;
+  waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 255;
+}
+
 using faults::Call;
 using faults::Fault;
 using namespace std::literals;
