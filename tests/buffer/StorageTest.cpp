@@ -254,7 +254,10 @@ TEST(Storage, TouchesNothingWhereASizeHasNoBlock) {
       [](DataBuffer& b) { return b.appendEncoded("41", "hex") || b.appendEncoded("a", "iso-8859-1"); },
       [](DataBuffer& b) { return b.appendRandomBytes(2) || b.isReallyUtf8(1252) || b.numPartialTrailingUtf8Bytes(); },
       [](DataBuffer& b) { return b.exclusiveOr(bufferOf("abc"), bufferOf("def")) || b.size() != 3; },
-      [](DataBuffer& b) { return bufferOf("x").exclusiveOr(b, bufferOf("abcde")) || !b.removeChunk(1, 2); },
+      [](DataBuffer& b) {
+        return bufferOf("x").exclusiveOr(b, bufferOf("abcde")) || bufferOf("x").exclusiveOr(bufferOf("abcde"), b) ||
+               !b.removeChunk(1, 2);
+      },
       [](DataBuffer& b) { return b.lastByte() != 0 || b.firstByte() != 0 || b.byteAt(1) != 0; },
       [&](DataBuffer& b) { return out.appendRange(b, 1, 2), out.appendRange2(b, 1, 2), !out.empty(); },
       [](DataBuffer& b) { return b.applyMask("x", 1), b.replaceChar('a', 'b'), b.drop_non_usascii(), false; },

@@ -77,6 +77,7 @@ const struct {
     // Charsets that shift end their words where they began.
     {26,
      {"=?iso-2022-jp?B?GyRCRnwbKEI=?= =?iso-2022-jp?B?GyRCS1wbKEI=?=|\u65E5\u672C",
+      "=?iso-2022-jp?B?GyRCRnwbKEo=?= =?iso-2022-jp?B?GyRCS1wbKEo=?=|\u65E5\u672C",
       "=?iso-2022-jp?B?GyRCRg==?= =?iso-2022-jp?B?fBsoQg==?=|\u65E5",
       "=?iso-2022-kr?B?GyQpQw5HUQ8=?= =?iso-2022-kr?B?GyQpQw4xWw8=?=|\uD55C\uAE00",
       "=?hz-gb-2312?B?fntIVX59?= =?hz-gb-2312?Q?~{1>~}?=|\u65E5\u672C"}},
