@@ -199,8 +199,7 @@ DecodeResult Decoding::run() {
 
 DecodeResult decodeGroups(const GroupFormat& format, const char* text, u32 n, DataBuffer& out) {
   if (n == 0) return DecodeResult::good();
-  const u64 groups = n / format.chars + u64{n % format.chars != 0};
-  u8* const to = roomFor(out, groups * format.bytes);
+  u8* const to = roomFor(out, (u64{n} + format.chars - 1) / format.chars * format.bytes);
   if (!to) return DecodeResult::noMemory();
   Decoding decoding(format, text, n, to);
   const DecodeResult result = decoding.run();

@@ -92,7 +92,7 @@ class Encoder {
     lineEnd();
   }
 
-  // Takes back a blank that ended a line and escapes it.
+  // Takes back a blank that ended a line, maybe the last byte of the piece before, and escapes it.
   void guardTrailingBlank() {
     if (column_ == 0 || !isBlank(to_[-1])) return;
     const u8 blank = *--to_;
@@ -117,13 +117,11 @@ u64 mostFor(u32 n, u32 limit) {
   return u64{n} * 3 + breaks * 3 + 3 + vk_simd::kHexEscapeSlack;
 }
 
-// The end of a piece of about `size` bytes: between two bytes that can be encoded apart, so neither inside CR LF nor
-// behind a blank that may end a line.
+// The end of a piece of about `size` bytes, not inside CR LF.
 u32 pieceEnd(const u8* data, u32 i, u32 n, u32 size) {
   if (n - i <= size) return n;
-  u32 end = i + size;
-  while ((data[end] == '\n' && data[end - 1] == '\r') || (data[end] == '\r' && isBlank(data[end - 1]))) --end;
-  return end;
+  const u32 end = i + size;
+  return data[end] == '\n' && data[end - 1] == '\r' ? end - 1 : end;
 }
 
 // ---- Decoding ----
