@@ -40,7 +40,7 @@ const struct {
       "BB8A|AB|3", "BB8Aa|AB|4", "bb8||0", "  ||0", " 4|\xD8"}},
     // Values above those of a group, z inside one, one digit left, the frame.
     {17,
-     {" 5l |A", "s8W-\"||0", "zuuuuu|\0\0\0\0|1"sv, "!!z||2", "@:E^v||4", "z!|\0\0\0\0|1"sv, "s8W.||0", "@0||0",
+     {" 5l |A", "s8W-\"||0", "zuuuuu|\0\0\0\0|1"sv, "!!z||2", "@:E^v||4", "z!|\0\0\0\0|1"sv, "s8W.||0", "@0||0", "s||0",
       "<~@/|a|3", "<~@/~|a|4", "@/~>|a", "<~@/~>x|a|6", "<~~>|", " <~@\n:E^~>\r\n|abc"}},
     {7, {" 28 |A", "2NEp0o7||4", "2NEplo7||4", "2NEp\xC3o7||4", "2 \r\nNE\tpo7O||10"}},
     {19, {" 12x4|\x0C|3", "x|\0|0"sv, " 12 |\x0C", "-5|\0|0"sv}},
@@ -120,6 +120,7 @@ void check(const Text& c) {
   const bool forgives = c.id == 1 || c.id == 10 || c.id == 20 || c.id == 24;  // only the append decides
   EXPECT_EQ(filled.appendEncodedById(text, c.id), result.ok || forgives) << c.id << ": " << c.text;
   EXPECT_EQ(textOf(filled), std::string("held").append(c.bytes)) << c.id << ": " << c.text;
+  EXPECT_EQ(vk_decodeText(c.id, text, countOf(c.text), filled).badAt, c.badAt) << c.id << ": " << c.text;
 }
 
 TEST(Decode, GivesTheBytesAndThePlaceOfTheFault) {

@@ -47,6 +47,7 @@ const struct {
 
 // In any case, but for two prefixes, and between white space.
 TEST(Encode, KnowsEveryName) {
+  GuardedBytes area(64);
   std::set<const vk_codec::EncodingName*> seen;
   for (const auto& row : kNames)
     for (const std::string& name : row.names) {
@@ -56,12 +57,13 @@ TEST(Encode, KnowsEveryName) {
         for (char& c : shouted) c = static_cast<char>(std::toupper(static_cast<u8>(c)));
       seen.insert(found);
       for (const std::string& each : {name, " \t\r\n\v\f" + shouted + "\f\v\n\r\t "}) {
+        const auto* const beforeThePage = reinterpret_cast<const char*>(area.ending(each + '\0'));
+        EXPECT_EQ(_clsEncode::encodingIdForName(beforeThePage, nowhere), row.id) << each;
         EXPECT_EQ(encoded(each.c_str(), "\0\xAB\xFF"sv), row.text) << each;
         EXPECT_EQ(encoded(each.c_str(), ""), row.id == 19   ? "0"
                                              : row.id == 37 ? "begin 644 data\n`\nend\n"
                                                             : "")
             << each;
-        EXPECT_EQ(_clsEncode::encodingIdForName(each.c_str(), nowhere), row.id) << each;
       }
     }
   EXPECT_EQ(seen.size(), vk_codec::encodingNames().size());
@@ -150,7 +152,12 @@ TEST(Encode, ReadsTheNumberOfAName) {
       EXPECT_TRUE(TextScan::scanOne(text, format, &value) == 1 && value == want) << text;
       value = 77;
     }
-  for (const char* text : {"qp-", "qp-x", "qp--", "qp-- 4", "qp"})
+  for (const char* text : {"qp-", "qp-x", "qp--", "qp-- 4",
+                           "qp-\x0E"
+                           "4",
+                           "qp-\x08"
+                           "4",
+                           "qp"})
     EXPECT_EQ(TextScan::scanOne(text, "qp-%d", &value), 0) << text;
   EXPECT_EQ(TextScan::scanOne("qp-4", "qp-4", &value) + TextScan::scanOne(nullptr, "%d", &value), 0);
   EXPECT_EQ(TextScan::scanOne("1", nullptr, &value) + TextScan::scanOne("1", "%d", nullptr), 0);
@@ -295,7 +302,7 @@ TEST(RoundTrip, FindsTheWayThroughWhiteSpace) {
 TEST(RoundTrip, CrossesTheBordersOfPieces) {
   for (const char* const name : {"qp-2147483646", "qp", "url", "json"})
     for (const auto& [before, tail] :
-         {std::pair(0u, " \r\ny"), {1u, " \r\ny"}, {2u, " \r\ny"}, {3u, " \r\ny"}, {0u, "\n"}, {0u, "\r"}}) {
+         {std::pair(0u, " \r\ny"), {1u, "\t\r\ny"}, {2u, " \r\ny"}, {3u, " \r\ny"}, {0u, "\n"}, {0u, "\r"}}) {
       const std::string bytes = std::string((1 << 24) - before, 'x') + tail;
       StringBuffer text;
       DataBuffer back;
@@ -303,6 +310,10 @@ TEST(RoundTrip, CrossesTheBordersOfPieces) {
       EXPECT_EQ(std::string_view(text.getString(), text.getSize()).find("=0D=0A"), std::string_view::npos);
       EXPECT_TRUE(back.appendEncoded(text.getString(), name) && textOf(back) == bytes) << name << tail;
     }
+  StringBuffer out;
+  const std::string bytes((1 << 24) + (1 << 22), '\xFF');
+  const faults::FailAllocation fail(2, true);  // the room of the second piece
+  EXPECT_FALSE(DataBuffer::encodeDB2("qp", bytesOf(bytes), countOf(bytes), out));
 }
 
 TEST(Lines, EndAsTheirNameSays) {

@@ -86,7 +86,7 @@ TEST(Kernels, Base64) {
     holdTwins(VARNIK_FORMS_512(base64Encode), {kAny}, [=](auto* run, const u8* data, u32 n) {
       return into((n + 2) / 3 * 4, [&](u8* out) { return run(data, n, url, text(out)), (n + 2) / 3 * 4; });
     });
-    hold(VARNIK_FORMS_512(base64Decode), {digits}, "AZaz09+/", [=](auto* run, u8* data, u32 n) {
+    hold(VARNIK_FORMS_512(base64Decode), {digits, eachOf("Aa+/-_")}, "AZaz09+/", [=](auto* run, u8* data, u32 n) {
       return into(n / 4 * 3, [&](u8* out) { return run(text(data), n, url, out) / 4 * 3; });
     });
   }

@@ -27,6 +27,7 @@ TEST(CleanUpW, RemovesUnits) {
 TEST(CleanUpW, ReplacesUnits) {
   const auto replace = [](u16 from, u16 to) { return [=](DataBuffer& b) { b.replaceCharW(from, to); }; };
   check("every match", unitsOf(u"xabx") + "x", unitsOf(u"\u20ACab\u20AC") + "x", replace('x', 0x20AC));
+  check("one byte is no unit", "x", "x", replace('x', 'y'));
   check("from zero", unitsOf({u"a\0b", 3}), unitsOf({u"a\0b", 3}), replace(0, 'x'));
   check("to zero", unitsOf(u"axb"), unitsOf(u"axb"), replace('x', 0));
 }

@@ -52,6 +52,9 @@ TEST(Unicode, IsReallyUtf8) {
     EXPECT_TRUE(bufferOf(text).isReallyUtf8(page)) << text;
   for (const char* text : {"plain", "\u0153uvre", "\xC3", "\xC3z\xC3"})
     EXPECT_FALSE(bufferOf(text).isReallyUtf8(20127)) << text;
+  DataBuffer cut = bufferOf("caf\u00E9");
+  cut.shorten(1);
+  EXPECT_FALSE(cut.isReallyUtf8(20127));
   EXPECT_FALSE(bufferOf("").isReallyUtf8(1) || bufferOf("caf\u00E9").isReallyUtf8(1252));
 }
 
