@@ -1,5 +1,6 @@
 #include "varnik/simd/FindBytes.h"
 
+#include <algorithm>
 #include <cstring>
 
 #if VARNIK_HAVE_AVX2
@@ -171,19 +172,26 @@ inline bool equalShort(const u8* a, const u8* b, u32 n) {
   return (n < 32 ? mismatchShort(a, b, n) : mismatchAvx2(a, b, n)) == n;
 }
 
-// Data so short that neither a call of memchr nor learning is worth its price: the pattern's ends at 32 places at once.
-// The last block ends where the places end; what it sees twice is no occurrence. A function for each kind of pattern,
-// as the one that calls nothing keeps all in registers.
+// Data so short that neither a call of memchr nor learning is worth its price: the pattern's ends at 64 places at once.
+// A half that would pass the end ends there; what it sees again falls on the same bits or is no occurrence. A function
+// for each kind of pattern, as the one that calls nothing keeps all in registers.
 template <bool isShort>
 [[VARNIK_AVX2]] u32 findShort(const u8* data, u32 n, const u8* pattern, u32 m) {
-  const u32 places = n - m + 1;
-  for (u32 i = 0;; i = places - i >= 64 ? i + 32 : places - 32) {
-    const __m256i ends = _mm256_and_si256(equalTo(data + i, pattern[0]), equalTo(data + i + m - 1, pattern[m - 1]));
-    for (u32 bits = bitsOf(ends); bits != 0; bits &= bits - 1) {
-      const u32 at = i + static_cast<u32>(__builtin_ctz(bits));
+  const __m256i first = _mm256_set1_epi8(static_cast<char>(pattern[0]));
+  const __m256i last = _mm256_set1_epi8(static_cast<char>(pattern[m - 1]));
+  const u8* const ends = data + m - 1;
+  const u32 lastHalf = n - m + 1 - 32;
+  for (u32 i = 0, half;; i = std::min(half + 32, lastHalf)) {
+    half = std::min(i + 32, lastHalf);
+    const __m256i low =
+        _mm256_and_si256(_mm256_cmpeq_epi8(load(data + i), first), _mm256_cmpeq_epi8(load(ends + i), last));
+    const __m256i high =
+        _mm256_and_si256(_mm256_cmpeq_epi8(load(data + half), first), _mm256_cmpeq_epi8(load(ends + half), last));
+    for (u64 bits = bitsOf(low) | u64{bitsOf(high)} << (half - i); bits != 0; bits &= bits - 1) {
+      const u32 at = i + static_cast<u32>(__builtin_ctzll(bits));
       if (isShort ? equalShort(data + at, pattern, m) : equalLong(data + at, pattern, m)) return at;
     }
-    if (i == places - 32) return n;
+    if (half == lastHalf) return n;
   }
 }
 
