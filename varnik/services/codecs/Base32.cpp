@@ -5,11 +5,6 @@
 #include "varnik/services/codecs/internal/Room.h"
 #include "varnik/services/memory/Text.h"
 
-namespace {
-// A last group of one byte is padded with six characters.
-constexpr vk_codec::GroupFormat kBase32 = {5, 8, 5, 'A', 6, false, vk_simd::base32Decode, nullptr};
-}  // namespace
-
 bool ContentEncoder::encodeBase32(const u8* data, u32 n, StringBuffer& out) {
   if (n == 0) return true;
   const u64 chars = (u64{n} + 4) / 5 * 8;
@@ -21,7 +16,7 @@ bool ContentEncoder::encodeBase32(const u8* data, u32 n, StringBuffer& out) {
 }
 
 DecodeResult vk_decodeBase32(const char* text, u32 n, DataBuffer& out) {
-  return vk_codec::decodeGroups(kBase32, text, n, out);
+  return vk_codec::decodeGroups<vk_codec::kBase32>(text, n, out);
 }
 
 bool ContentEncoder::decodeId30(const char* text, DataBuffer& out, LogBase&) {

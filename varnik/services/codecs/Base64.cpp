@@ -13,14 +13,6 @@ constexpr u64 charsFor(u32 bytes) {
   return (u64{bytes} + 2) / 3 * 4;
 }
 
-template <bool url>
-u32 decodeWholeGroups(const char* in, u32 n, u8* out) {
-  return vk_simd::base64Decode(in, n, url, out);
-}
-constexpr vk_codec::GroupFormat kStandard = {
-    6, 4, 3, 'A', 2, true, decodeWholeGroups<false>, vk_simd::base64DecodeLines};
-constexpr vk_codec::GroupFormat kUrlSafe = {6, 4, 3, 'A', 2, true, decodeWholeGroups<true>, nullptr};
-
 // One run of text, its last `dropped` characters left off.
 bool encodeRun(const u8* data, u32 n, bool url, u32 dropped, StringBuffer& out) {
   if (n == 0) return true;
@@ -66,11 +58,11 @@ bool ContentEncoder::encodeBase64CrEntity(const u8* data, u32 n, StringBuffer& o
 }
 
 DecodeResult vk_decodeBase64(const char* text, u32 n, DataBuffer& out) {
-  return vk_codec::decodeGroups(kStandard, text, n, out);
+  return vk_codec::decodeGroups<vk_codec::kBase64>(text, n, out);
 }
 
 DecodeResult vk_decodeBase64Url(const char* text, u32 n, DataBuffer& out) {
-  return vk_codec::decodeGroups(kUrlSafe, text, n, out);
+  return vk_codec::decodeGroups<vk_codec::kBase64Url>(text, n, out);
 }
 
 bool ContentEncoder::decodeBase64(const char* text, u32 n, DataBuffer& out) {

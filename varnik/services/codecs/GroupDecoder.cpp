@@ -26,10 +26,11 @@ u64 littleEndian(u64 word) {
 // One run over a text. White space that stands between groups only parts the text into runs, which the kernels take
 // straight from there, equal lines all at once. From anything else on, the text is gathered piece by piece without its
 // white space.
+template <const GroupFormat& format>
 class Decoding {
  public:
   // `to` has room for the bytes of all `n` characters, a group that is not whole counted whole.
-  Decoding(const GroupFormat& format, const char* text, u32 n, u8* to) : f_(format), text_(text), n_(n), to_(to) {}
+  Decoding(const char* text, u32 n, u8* to) : text_(text), n_(n), to_(to) {}
 
   DecodeResult run();
   u32 written() const { return written_; }
@@ -50,7 +51,6 @@ class Decoding {
   u32 offsetOf(u32 significant) const;
   DecodeResult faultAt(u32 at) const;
 
-  const GroupFormat& f_;
   const char* text_;
   u32 n_;
   u8* to_;
@@ -61,75 +61,84 @@ class Decoding {
   char held_[kPiece + vk_simd::kGatherSlack];  // characters that count, read and not yet decoded
 };
 
-void Decoding::count(u32 chars) {
+template <const GroupFormat& format>
+void Decoding<format>::count(u32 chars) {
   decoded_ += chars;
-  written_ += chars / f_.chars * f_.bytes;
+  written_ += chars / format.chars * format.bytes;
 }
 
-void Decoding::skipWhiteSpace() {
+template <const GroupFormat& format>
+void Decoding<format>::skipWhiteSpace() {
   while (at_ < n_ && vk_simd::isWhiteSpace(text_[at_])) ++at_;
 }
 
 // Padding at the very end is kept from the kernels, which would leave a whole block for its sake. True when only that
 // is left to be looked at.
-bool Decoding::decodeRuns() {
+template <const GroupFormat& format>
+bool Decoding<format>::decodeRuns() {
   constexpr u32 kWorthARun = 16, kMostAtEnd = 8;
   u32 end = n_;
   while (end != 0 && n_ - end < kMostAtEnd && (text_[end - 1] == '=' || vk_simd::isWhiteSpace(text_[end - 1]))) --end;
   for (bool first = true;; first = false) {
     skipWhiteSpace();
     if (at_ >= end) return true;
-    const u32 used = f_.decode(text_ + at_, end - at_, to_ + written_);
+    const u32 used = format.decode(text_ + at_, end - at_, to_ + written_);
     at_ += used;
     count(used);
-    if (end - at_ < f_.chars) return decodeTail(end);
+    if (end - at_ < format.chars) return decodeTail(end);
     if (used < kWorthARun || !vk_simd::isWhiteSpace(text_[at_])) return false;
-    if (first && f_.decodeLines) decodeLines(used);
+    if (first && format.decodeLines) decodeLines(used);
   }
 }
 
 // Lines as encoders write them: the first one, which ends here, tells their length and their end.
-void Decoding::decodeLines(u32 length) {
+template <const GroupFormat& format>
+void Decoding<format>::decodeLines(u32 length) {
   const char* const end = text_ + at_;
   const u32 endChars = vk_simd::isWhiteSpace(end[1]) ? 2 : 1;  // a whole group follows at least
   at_ += endChars;
-  const u32 lines = f_.decodeLines(text_ + at_, n_ - at_, length, {end, endChars}, to_ + written_);
+  const u32 lines = format.decodeLines(text_ + at_, n_ - at_, length, {end, endChars}, to_ + written_);
   at_ += lines * (length + endChars);
   count(lines * length);
 }
 
 // Less than a group is left before the padding.
-bool Decoding::decodeTail(u32 end) {
+template <const GroupFormat& format>
+bool Decoding<format>::decodeTail(u32 end) {
   if (!decodeLastGroup(text_ + at_, end - at_)) return false;  // white space or a fault: the long way will tell
   at_ = end;
   return true;
 }
 
 // False when a whole group is held that holds a character outside the alphabet.
-bool Decoding::decodeHeld() {
-  if (numHeld_ < f_.chars) return true;
-  const u32 used = f_.decode(held_, numHeld_, to_ + written_);
+template <const GroupFormat& format>
+bool Decoding<format>::decodeHeld() {
+  if (numHeld_ < format.chars) return true;
+  const u32 used = format.decode(held_, numHeld_, to_ + written_);
   count(used);
   numHeld_ -= used;
   std::memmove(held_, held_ + used, numHeld_);
-  return numHeld_ < f_.chars;
+  return numHeld_ < format.chars;
 }
 
-bool Decoding::isKnown(char c) const {
+template <const GroupFormat& format>
+bool Decoding<format>::isKnown(char c) const {
   char group[kMostChars];
   u8 bytes[kMostChars];
-  std::fill_n(group, f_.chars, c);
-  return f_.decode(group, f_.chars, bytes) == f_.chars;
+  std::fill_n(group, format.chars, c);
+  return format.decode(group, format.chars, bytes) == format.chars;
 }
 
 // How many characters at `at` are to be skipped.
-u32 Decoding::skippedAt(u32 at) const {
+template <const GroupFormat& format>
+u32 Decoding<format>::skippedAt(u32 at) const {
   if (vk_simd::isWhiteSpace(text_[at])) return 1;
-  return f_.references ? referenceLength(text_ + at, n_ - at) : 0;
+  return format.references ? referenceLength(text_ + at, n_ - at) : 0;
 }
 
 // Where the `significant`-th of the characters that count stands in the text.
-u32 Decoding::offsetOf(u32 significant) const {
+template <const GroupFormat& format>
+u32 Decoding<format>::offsetOf(u32 significant) const {
   u32 at = 0;
   for (;;) {
     while (const u32 skipped = skippedAt(at)) at += skipped;
@@ -139,7 +148,8 @@ u32 Decoding::offsetOf(u32 significant) const {
 }
 
 // The first character to blame: one that is held, when it is outside the alphabet, else the one at `at`.
-DecodeResult Decoding::faultAt(u32 at) const {
+template <const GroupFormat& format>
+DecodeResult Decoding<format>::faultAt(u32 at) const {
   for (u32 k = 0; k < numHeld_; ++k)
     if (!isKnown(held_[k])) return DecodeResult::fault(offsetOf(decoded_ + k));
   return DecodeResult::fault(at);
@@ -148,27 +158,29 @@ DecodeResult Decoding::faultAt(u32 at) const {
 // A group that is not whole is filled with zeros: the bytes that it has no bits for must be zero then. A last character
 // that completes no byte is one too many. The characters are joined in a register, as the processor lets a kernel's
 // wide load wait for narrow stores just made.
-bool Decoding::decodeLastGroup(const char* chars, u32 n) {
-  const u32 count = n * f_.bits / 8;
+template <const GroupFormat& format>
+bool Decoding<format>::decodeLastGroup(const char* chars, u32 n) {
+  const u32 count = n * format.bits / 8;
   if (n == 0) return true;
-  if (count == (n - 1) * f_.bits / 8) return false;
-  u64 word = ~u64{0} / 0xFF * static_cast<u8>(f_.zero);
+  if (count == (n - 1) * format.bits / 8) return false;
+  u64 word = ~u64{0} / 0xFF * static_cast<u8>(format.zero);
   for (u32 k = n; k-- != 0;) word = word << 8 | static_cast<u8>(chars[k]);
   char group[kMostChars];
   word = littleEndian(word);
   std::memcpy(group, &word, sizeof word);
   u8* const bytes = to_ + written_;
-  if (f_.decode(group, f_.chars, bytes) != f_.chars) return false;
+  if (format.decode(group, format.chars, bytes) != format.chars) return false;
   u8 spare = 0;
-  for (u32 k = count; k < f_.bytes; ++k) spare |= bytes[k];
+  for (u32 k = count; k < format.bytes; ++k) spare |= bytes[k];
   if (spare != 0) return false;
   written_ += count;
   return true;
 }
 
-DecodeResult Decoding::skipPadding() {
+template <const GroupFormat& format>
+DecodeResult Decoding<format>::skipPadding() {
   for (u32 padding = 0; at_ < n_;) {
-    if (text_[at_] == '=' && padding < f_.mostPadding) {
+    if (text_[at_] == '=' && padding < format.mostPadding) {
       ++padding, ++at_;
     } else if (const u32 skipped = skippedAt(at_); skipped != 0) {
       at_ += skipped;
@@ -179,14 +191,15 @@ DecodeResult Decoding::skipPadding() {
   return DecodeResult::good();
 }
 
-DecodeResult Decoding::run() {
+template <const GroupFormat& format>
+DecodeResult Decoding<format>::run() {
   if (decodeRuns()) return skipPadding();
   while (at_ < n_) {
     u32 gathered = 0;
     at_ += vk_simd::gatherText(text_ + at_, n_ - at_, held_ + numHeld_, kPiece - numHeld_, gathered);
     numHeld_ += gathered;
     if (!decodeHeld()) return faultAt(at_);
-    if (at_ == n_ || (text_[at_] == '=' && f_.mostPadding != 0)) break;
+    if (at_ == n_ || (text_[at_] == '=' && format.mostPadding != 0)) break;
     if (text_[at_] != '&' && text_[at_] != '=') continue;
     const u32 skipped = skippedAt(at_);
     if (skipped == 0) return faultAt(at_);
@@ -197,14 +210,20 @@ DecodeResult Decoding::run() {
 
 }  // namespace
 
-DecodeResult decodeGroups(const GroupFormat& format, const char* text, u32 n, DataBuffer& out) {
+template <const GroupFormat& format>
+DecodeResult decodeGroups(const char* text, u32 n, DataBuffer& out) {
   if (n == 0) return DecodeResult::good();
   u8* const to = roomFor(out, (u64{n} + format.chars - 1) / format.chars * format.bytes);
   if (!to) return DecodeResult::noMemory();
-  Decoding decoding(format, text, n, to);
+  Decoding<format> decoding(text, n, to);
   const DecodeResult result = decoding.run();
   out.addToSize(decoding.written());
   return result;
 }
+
+template DecodeResult decodeGroups<kBase64>(const char*, u32, DataBuffer&);
+template DecodeResult decodeGroups<kBase64Url>(const char*, u32, DataBuffer&);
+template DecodeResult decodeGroups<kBase32>(const char*, u32, DataBuffer&);
+template DecodeResult decodeGroups<kHex>(const char*, u32, DataBuffer&);
 
 }  // namespace vk_codec

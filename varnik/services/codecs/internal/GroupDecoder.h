@@ -4,6 +4,9 @@
 #include <string_view>
 
 #include "varnik/services/codecs/internal/DecodeResult.h"
+#include "varnik/simd/Base32.h"
+#include "varnik/simd/Base64.h"
+#include "varnik/simd/Hex.h"
 
 namespace vk_codec {
 
@@ -20,8 +23,20 @@ struct GroupFormat {
   u32 (*decodeLines)(const char* in, u32 n, u32 lineChars, std::string_view end, u8* out);
 };
 
+template <bool url>
+u32 decodeBase64Groups(const char* in, u32 n, u8* out) {
+  return vk_simd::base64Decode(in, n, url, out);
+}
+inline constexpr GroupFormat kBase64 = {6, 4, 3, 'A', 2, true, decodeBase64Groups<false>, vk_simd::base64DecodeLines};
+inline constexpr GroupFormat kBase64Url = {6, 4, 3, 'A', 2, true, decodeBase64Groups<true>, nullptr};
+/// A last group of one byte is padded with six characters.
+inline constexpr GroupFormat kBase32 = {5, 8, 5, 'A', 6, false, vk_simd::base32Decode, nullptr};
+inline constexpr GroupFormat kHex = {4, 2, 1, '0', 0, false, vk_simd::hexDecode, nullptr};
+
 /// Appends what `n` characters of text stand for. White space is skipped wherever it stands, padding may be missing; a
-/// last group that could be shorter, or whose spare bits are not zero, is a fault at its last character.
-DecodeResult decodeGroups(const GroupFormat& format, const char* text, u32 n, DataBuffer& out);
+/// last group that could be shorter, or whose spare bits are not zero, is a fault at its last character. Compiled for
+/// each of the formats above, as short texts notice a call by pointer and a division.
+template <const GroupFormat& format>
+DecodeResult decodeGroups(const char* text, u32 n, DataBuffer& out);
 
 }  // namespace vk_codec
