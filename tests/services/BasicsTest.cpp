@@ -16,6 +16,9 @@ TEST(Memory, Helpers) {
   u8 area[4];
   vk_memset(area, 0x1FF, 4);
   EXPECT_EQ(area[3], 0xFF);
+  class Plain : public VarnikObject {
+  } plain;
+  EXPECT_EQ(plain.heapUsage(), 0u);
   EXPECT_TRUE(vk64::TooBigForUnsigned32(0x100000000) && vk64::TooBigForUnsigned32(-1));
   EXPECT_FALSE(vk64::TooBigForUnsigned32(0xFFFFFFFF) || vk64::TooBigForUnsigned32(0));
   u32 low = 0, high = 0;
