@@ -127,28 +127,20 @@ TEST(Storage, Clears) {
 }
 
 TEST(Storage, WipesASecretBeforeItsBlockGoes) {
-  const struct {
-    bool secure;
-    void (*let)(DataBuffer&);
-    std::string seen;
-  } kCases[] = {
-      {true, [](DataBuffer&) {}, std::string("\0\0\0\0\0\0--", 8)},
-      {false, [](DataBuffer&) {}, "secret--"},
-      {false, [](DataBuffer& b) { b.secureClearWithDeallocate(); }, std::string("\0\0\0\0\0\0--", 8)},
-      {true, [](DataBuffer& b) { b = DataBuffer(); }, std::string("\0\0\0\0\0\0--", 8)},
-      {true, [](DataBuffer& b) { b.reallocate(100); }, "secret--"},  // growth does not wipe
-      {true, [](DataBuffer& b) { b.clearWithDeallocate(); }, "secret--"},
+  const std::tuple<bool, std::string, void (*)(DataBuffer&)> kCases[] = {
+      {true, "\0\0\0\0\0\0--"s, [](DataBuffer&) {}},
+      {false, "secret--", [](DataBuffer&) {}},
+      {false, "\0\0\0\0\0\0--"s, [](DataBuffer& b) { b.secureClearWithDeallocate(); }},
+      {true, "\0\0\0\0\0\0--"s, [](DataBuffer& b) { b = DataBuffer(); }},
+      {true, "secret--", [](DataBuffer& b) { b.reallocate(100); }},  // growth does not wipe
+      {true, "secret--", [](DataBuffer& b) { b.clearWithDeallocate(); }},
   };
-  for (const auto& c : kCases) {
+  for (const auto& [secure, seen, let] : kCases) {
     auto* b = DataBuffer::createNewObject();
     b->append("secret--", 8);
     b->shorten(2);
-    b->secure = c.secure;
-    const faults::WatchRelease watch(b->getData2(), 8);
-    c.let(*b);
-    delete b;
-    EXPECT_TRUE(watch.released());
-    EXPECT_EQ(stringAt(watch.bytes(), 8), c.seen) << &c - kCases;
+    b->secure = secure;
+    EXPECT_EQ(seenAtRelease(b->getData2(), 8, [&, let = let] { let(*b), delete b; }), seen);
   }
 }
 

@@ -26,19 +26,14 @@ std::string encoded(const std::string& name, const std::string& bytes) {
 }
 
 // Their encoders answer true whatever became of the appends.
-constexpr TextCodec kEncodeAlwaysTrue[] = {TextCodec::hex,        TextCodec::hexLower,   TextCodec::fingerprint,
-                                           TextCodec::urlRfc3986, TextCodec::urlRfc1738, TextCodec::urlRfc2396,
-                                           TextCodec::decimal};
+const std::set<TextCodec> kEncodeAlwaysTrue = {TextCodec::hex,        TextCodec::hexLower,   TextCodec::fingerprint,
+                                               TextCodec::urlRfc3986, TextCodec::urlRfc1738, TextCodec::urlRfc2396,
+                                               TextCodec::decimal};
 // Their decoders do, or answer by their last step alone; those of Base64 where bytes were held before.
-constexpr TextCodec kDecodeAlwaysTrue[] = {
+const std::set<TextCodec> kDecodeAlwaysTrue = {
     TextCodec::base64,     TextCodec::base64Mime, TextCodec::base64CrEntity, TextCodec::base64Cr13Entity,
     TextCodec::base64Url,  TextCodec::modBase64,  TextCodec::fingerprint,    TextCodec::decList,
     TextCodec::urlRfc3986, TextCodec::urlRfc1738, TextCodec::urlRfc2396,     TextCodec::json};
-
-template <std::size_t n>
-bool isOneOf(const TextCodec (&codecs)[n], TextCodec codec) {
-  return std::find(codecs, codecs + n, codec) != codecs + n;
-}
 
 }  // namespace
 
@@ -49,10 +44,10 @@ std::vector<Operation> encodingOperations() {
       const std::string name = nameOf(row), bytes = sampleOf(n), text = encoded(name, bytes);
       Operation encode = extending(
           "encode " + name, [=](Scene& s) { return DataBuffer::encodeDB2(name.c_str(), bytesOf(bytes), n, s.text); });
-      encode.answersTruly = !isOneOf(kEncodeAlwaysTrue, row.codec);
+      encode.answersTruly = !kEncodeAlwaysTrue.contains(row.codec);
       Operation decode =
           extending("decode " + name, [=](Scene& s) { return s.buffer.appendEncoded(text.c_str(), name.c_str()); });
-      decode.answersTruly = !isOneOf(kDecodeAlwaysTrue, row.codec);
+      decode.answersTruly = !kDecodeAlwaysTrue.contains(row.codec);
       all.push_back(encode);
       all.push_back(decode);
     }

@@ -6,59 +6,48 @@
 namespace faults {
 namespace {
 
-const u16* unitsAt(const char16_t* text) {
-  return reinterpret_cast<const u16*>(text);
-}
-
 enum Exit { kAsPromised, kNotStruck, kBroken };
 
-constexpr struct {
-  const char* what;
-  bool (*call)(Scene&);     // what is refused memory
-  bool (*isRight)(Scene&);  // whether a call that said true has done what it should
-} kCalls[] = {
-    {"a legacy charset", [](Scene& s) { return s.buffer.appendEncoded("\xE6\x97\xA5", "Shift_JIS"); },
-     [](Scene& s) { return textOf(s.buffer) == "\x93\xFA"; }},
-    {"case folding",
-     [](Scene&) { return vk_findUtf16NoCase(unitsAt(u"x\u00C9y"), 3, unitsAt(u"\u00E9"), 1) != nullptr; },
-     [](Scene&) { return true; }},
-    {"encryption",
-     [](Scene& s) {
-       return SymmetricCrypt::encryptBytes(256, nullptr, s.key, s.source.getData2(), 900, s.buffer, s.log);
-     },
-     [](Scene& s) { return s.buffer.size() == 928; }},
-    {"decryption under a derived key",
-     [](Scene& s) {
-       s.key.shorten(1);
-       DataBuffer hidden;
-       return SymmetricCrypt::encryptBytes(256, nullptr, s.key, bytesOf("plain"), 5, hidden, s.log) &&
-              SymmetricCrypt::decryptBytes(256, nullptr, s.key, hidden.getData2(), hidden.size(), s.buffer, s.log);
-     },
-     [](Scene& s) { return textOf(s.buffer) == "plain"; }},
+// What is refused memory, and whether a call that said true has done what it should.
+const Operation kCalls[] = {
+    op("a legacy charset",
+       [](Scene& s) { return s.buffer.appendEncoded("\xE6\x97\xA5", "Shift_JIS") && textOf(s.buffer) == "\x93\xFA"; }),
+    op("case folding",
+       [text = u"x\u00C9y\u00E9"](Scene&) {
+         const u16* const units = reinterpret_cast<const u16*>(text);
+         return vk_findUtf16NoCase(units, 3, units + 3, 1) != nullptr;
+       }),
+    op("encryption",
+       [](Scene& s) {
+         return SymmetricCrypt::encryptBytes(256, nullptr, s.key, s.source.getData2(), 900, s.buffer, s.log) &&
+                s.buffer.size() == 928;
+       }),
+    op("decryption under a derived key",
+       [](Scene& s) {
+         DataBuffer hidden;
+         s.key.shorten(1);
+         return SymmetricCrypt::encryptBytes(256, nullptr, s.key, bytesOf("plain"), 5, hidden, s.log) &&
+                SymmetricCrypt::decryptBytes(256, nullptr, s.key, hidden.getData2(), hidden.size(), s.buffer, s.log) &&
+                textOf(s.buffer) == "plain";
+       }),
 };
 
-template <class Call>
-Exit tryIn(const Call& row, u32 k, bool forGood) {
+Exit tryIn(const Operation& op, u32 k, bool forGood) {
   Scene scene;
-  bool done, struck;
-  {
-    const FailAllocation refusal(k, forGood);
-    done = row.call(scene);
-    struck = refusal.struck();
-  }
-  if (done ? !row.isRight(scene) : !struck) return kBroken;
-  if (!done && !scene.buffer.empty()) return kBroken;
-  return struck ? kAsPromised : kNotStruck;
+  const FailAllocation refusal(k, forGood);
+  const bool done = op.run(scene);
+  if (!done && (!refusal.struck() || !scene.buffer.empty())) return kBroken;
+  return refusal.struck() ? kAsPromised : kNotStruck;
 }
 
 TEST(FirstUse, SurvivesEachRefusal) {
   u32 refusals = 0;
-  for (const auto& row : kCalls)
+  for (const Operation& each : kCalls)
     refusals += failEachAllocation([&](u32 i, bool forGood) {
       const u32 k = 1 + (i - 1) * (soaks() ? 1 : 13);
-      const int said = inChild([&] { return tryIn(row, k, forGood); });
+      const int said = inChild([&] { return tryIn(each, k, forGood); });
       EXPECT_TRUE(said == kAsPromised || said == kNotStruck)
-          << said << ": " << row.what << ", allocation " << k << (forGood ? " and all after it" : "");
+          << said << ": " << each.name << ", allocation " << k << (forGood ? " and all after it" : "");
       return said == kAsPromised;
     });
   std::printf("%u refusals\n", refusals);

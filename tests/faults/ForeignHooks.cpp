@@ -1,38 +1,28 @@
 // ICU and OpenSSL take their memory from the test program's operator new, so that it can be refused to them like to the
 // library itself. Both accept such hooks only before their first use: a static object sets them.
+#include <malloc.h>
 #include <openssl/crypto.h>
 #include <unicode/uclean.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <new>
 
-#include "varnik/services/memory/Types.h"
-
 namespace {
-
-constexpr std::size_t kHead = 16;  // in front of each block: its size
 
 void* allocate(std::size_t n) {
   const auto handler = std::set_new_handler(nullptr);  // a C library knows none
-  auto* const block = static_cast<u8*>(::operator new(n + kHead, std::nothrow));
+  void* const block = ::operator new(n, std::nothrow);
   std::set_new_handler(handler);
-  if (!block) return nullptr;
-  std::memcpy(block, &n, sizeof n);
-  return block + kHead;
-}
-
-void release(void* block) {
-  if (block) ::operator delete(static_cast<u8*>(block) - kHead);
+  return block;
 }
 
 void* resize(void* block, std::size_t n) {
   void* const made = allocate(n);
   if (!made || !block) return made;
-  std::size_t old = 0;
-  std::memcpy(&old, static_cast<u8*>(block) - kHead, sizeof old);
-  std::memcpy(made, block, old < n ? old : n);
-  release(block);
+  std::memcpy(made, block, std::min(n, malloc_usable_size(block)));
+  ::operator delete(block);
   return made;
 }
 
@@ -41,15 +31,15 @@ void* resize(void* block, std::size_t n) {
   u_setMemoryFunctions(
       nullptr, [](const void*, std::size_t n) { return allocate(n); },
       [](const void*, void* block, std::size_t n) { return resize(block, n); },
-      [](const void*, void* block) { release(block); }, &status);
+      [](const void*, void* block) { ::operator delete(block); }, &status);
   const bool openssl =
       CRYPTO_set_mem_functions([](std::size_t n, const char*, int) { return n ? allocate(n) : nullptr; },
                                [](void* block, std::size_t n, const char*, int) -> void* {
                                  if (n != 0) return resize(block, n);
-                                 release(block);
+                                 ::operator delete(block);
                                  return nullptr;
                                },
-                               [](void* block, const char*, int) { release(block); });
+                               [](void* block, const char*, int) { ::operator delete(block); });
   if (U_FAILURE(status) || !openssl) std::abort();
   return true;
 }();

@@ -16,9 +16,6 @@ struct Scene {
   DataBuffer source = bufferOf(randomBytes(5000)), key = bufferOf("0123456789abcdef0123456789ABCDEF");
 };
 
-/// What an operation said: void ones say nothing.
-enum class Answer { kNo, kYes, kNothing };
-
 /// What a failure leaves of the targets' content.
 enum class Leaves {
   kUnchanged,  // as it was
@@ -32,20 +29,16 @@ struct Operation {
   Leaves leaves = Leaves::kUnchanged;
   bool answersTruly = true;  // true means done in full: not so for the forms documented as always true
   bool isRepeatable = true;  // the same call gives the same bytes
-  std::function<Answer(Scene&)> run;
+  std::function<bool(Scene&)> run;
 };
 
-/// A row of the table: `call` gets the scene and returns a bool, or nothing.
+/// A row of the table: `call` gets the scene and returns a bool; or nothing, which says no more than true for ever.
 template <class Call>
 Operation row(std::string name, Leaves leaves, Call call) {
-  return {std::move(name), leaves, true, true, [call](Scene& s) {
-            if constexpr (std::is_void_v<decltype(call(s))>) {
-              call(s);
-              return Answer::kNothing;
-            } else {
-              return call(s) ? Answer::kYes : Answer::kNo;
-            }
-          }};
+  if constexpr (std::is_void_v<std::invoke_result_t<Call, Scene&>>)
+    return {std::move(name), leaves, false, true, [call](Scene& s) { return call(s), true; }};
+  else
+    return {std::move(name), leaves, true, true, call};
 }
 template <class Call>
 Operation op(std::string name, Call call) {

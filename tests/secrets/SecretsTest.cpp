@@ -85,16 +85,6 @@ TEST(SecretData, GoesOnWithDamagedBuffersAfterReportingEach) {
   damaged->swapData(out);
 }
 
-// The bytes of a freed block as they were just before.
-template <class Let>
-std::string seenAtRelease(const DataBuffer& held, Let let) {
-  const u32 n = held.size();
-  const faults::WatchRelease watch(held.getData2(), n);
-  let();
-  EXPECT_TRUE(watch.released());
-  return stringAt(watch.bytes(), n);
-}
-
 TEST(SecretData, WipesTheCiphertextBeforeItGoes) {
   DataBuffer key;
   SecretData empty;
@@ -109,7 +99,8 @@ TEST(SecretData, WipesTheCiphertextBeforeItGoes) {
     auto holder = std::make_unique<SecretData>();
     set(*holder, key, "secret");
     const auto& encrypted = *reinterpret_cast<const DataBuffer*>(reinterpret_cast<const u8*>(holder.get()) + 8);
-    EXPECT_EQ(seenAtRelease(encrypted, [&, let = way] { let(*holder, key, empty), holder.reset(); }),
+    EXPECT_EQ(seenAtRelease(encrypted.getData2(), encrypted.size(),
+                            [&, let = way] { let(*holder, key, empty), holder.reset(); }),
               std::string(34, '\0'))
         << name;
   }
@@ -123,7 +114,7 @@ TEST(SecretData, WipesWhatWasHandedOutBefore) {
     ASSERT_TRUE(holder.getSecret(key, out, nowhere));
     set(holder, key, "the second one is longer");
     const auto let = [&] { holder.getSecret(*second, out, nowhere), out.clearWithDeallocate(); };
-    EXPECT_EQ(seenAtRelease(out, let), std::string(16, '\0'));
+    EXPECT_EQ(seenAtRelease(out.getData2(), out.size(), let), std::string(16, '\0'));
   }
 }
 
@@ -153,17 +144,7 @@ TEST(SecretString, HandsOutWhatItHolds) {
   EXPECT_STREQ(log.getText(), "");
 }
 
-TEST(Companions, StartEmpty) {
-  auto* shared = new RefCountedDataBuffer;
-  EXPECT_EQ(stateOf(shared->buffer), " of 0, no block");
-  shared->buffer.append("x", 1);
-  shared->incRefCount();
-  shared->decRefCount();
-  EXPECT_EQ(textOf(shared->buffer), "x");
-  const s64 held = faults::tally.live;
-  shared->decRefCount();
-  EXPECT_EQ(faults::tally.live, held - 2);
-
+TEST(FixedScratchBuffers, StartEmpty) {
   alignas(FixedScratchBuffers) unsigned char place[sizeof(FixedScratchBuffers)];
   std::memset(place, 0xFF, sizeof place);
   auto* scratch = new (place) FixedScratchBuffers;

@@ -26,43 +26,29 @@ TEST(RandomSource, AppendsByTheGrowthRule) {
 }
 
 TEST(RandomSource, RefusesAndFailsWithoutATrace) {
-  const struct {
-    const char* what;
-    bool forGood;
-    Fault fault;
-    bool result;
-  } kCases[] = {
-      {"interrupted", false, {Fault::kError, EINTR}, true}, {"short", true, {Fault::kHalf, 0}, true},
-      {"refused", false, {Fault::kError, ENOSYS}, false},   {"not ready", false, {Fault::kError, EAGAIN}, false},
-      {"broken off", false, {Fault::kBreak, EIO}, false},   {"nothing once", false, {Fault::kNothing, 0}, true}};
-  for (const auto& c : kCases) {
+  const std::tuple<bool, bool, Fault> kCases[] = {
+      {true, false, {Fault::kError, EINTR}},   {true, true, {Fault::kHalf, 0}},
+      {false, false, {Fault::kError, ENOSYS}}, {false, false, {Fault::kError, EAGAIN}},
+      {false, false, {Fault::kBreak, EIO}},    {true, false, {Fault::kNothing, 0}}};
+  for (const auto& [result, forGood, fault] : kCases) {
     DataBuffer b = bufferOf("old");
-    const faults::FailCall armed(Call::kRandom, 1, c.forGood, c.fault);
-    EXPECT_EQ(RandomSource::generateBytes(1000, b), c.result) << c.what;
-    EXPECT_EQ(b.size(), c.result ? 1003u : 3u) << c.what;
+    const faults::FailCall armed(Call::kRandom, 1, forGood, fault);
+    EXPECT_EQ(RandomSource::generateBytes(1000, b), result) << fault.kind << ' ' << fault.value;
+    EXPECT_EQ(b.size(), result ? 1003u : 3u) << fault.kind << ' ' << fault.value;
   }
 }
 
 TEST(RandomSource, DrawsDifferentBytesInEachProcess) {
+  const TempFolder folder;
+  const std::string path = folder / "drawn";
+  const auto draw = [&] {
+    DataBuffer b;
+    return RandomSource::generateBytes(32, b) && b.size() == 32 && std::ofstream(path) << textOf(b);
+  };
   std::set<std::string> drawn;
-  DataBuffer before;
-  RandomSource::generateBytes(32, before);
-  drawn.insert(textOf(before));
-  for (u32 i = 0; i < 64; ++i) {
-    int ends[2];
-    ASSERT_EQ(pipe(ends), 0);
-    const pid_t child = fork();
-    if (child == 0) {
-      DataBuffer b;
-      RandomSource::generateBytes(32, b);
-      _exit(::write(ends[1], b.getData2(), b.size()) == 32 ? 0 : 1);
-    }
-    char bytes[32] = {};
-    EXPECT_EQ(::read(ends[0], bytes, 32), 32);
-    drawn.insert(std::string(bytes, 32));
-    waitpid(child, nullptr, 0);
-    close(ends[0]);
-    close(ends[1]);
+  for (u32 i = 0; i < 65; ++i) {
+    EXPECT_TRUE(i == 0 ? draw() : inChild(draw) == 1);
+    drawn.insert(readFile(path));
   }
   EXPECT_EQ(drawn.size(), 65u);
 }
@@ -167,32 +153,20 @@ TEST(SymmetricCrypt, RefusesEachOtherKey) {
 
 TEST(SymmetricCrypt, RefusesWhatItDoesNotKnow) {
   DataBuffer key = bufferOf(randomBytes(32)), none;
-  const struct {
-    const char* what;
-    s32 bits;
-    const char* algorithm;
-    DataBuffer* key;
-    const u8* data;
-    u32 n;
-  } kCases[] = {{"other length of key", 128, nullptr, &key, bytesOf("x"), 1},
-                {"a name", 256, "aes", &key, bytesOf("x"), 1},
-                {"no key", 256, nullptr, &none, bytesOf("x"), 1},
-                {"no data", 256, nullptr, &key, nullptr, 1},
-                {"too much", 256, nullptr, &key, bytesOf("x"), 0xFFFFFFE4}};
-  for (const auto& c : kCases) {
+  const std::tuple<s32, const char*, DataBuffer*, const u8*, u32> kCases[] = {
+      {128, nullptr, &key, bytesOf("x"), 1},          {256, "aes", &key, bytesOf("x"), 1},
+      {256, nullptr, &none, bytesOf("x"), 1},         {256, nullptr, &key, nullptr, 1},
+      {256, nullptr, &key, bytesOf("x"), 0xFFFFFFE4},  // too much
+      {256, nullptr, &key, bytesOf("x"), 1}};          // no random bytes
+  for (const auto& each : kCases) {
+    const auto& [bits, algorithm, itsKey, data, n] = each;
     DataBuffer out = bufferOf("old");
     LogText log;
-    EXPECT_FALSE(SymmetricCrypt::encryptBytes(c.bits, c.algorithm, *c.key, c.data, c.n, out, log)) << c.what;
+    const faults::FailCall last(Call::kRandom, &each - kCases == 5, true, {Fault::kError, ENOSYS});
+    EXPECT_FALSE(SymmetricCrypt::encryptBytes(bits, algorithm, *itsKey, data, n, out, log)) << &each - kCases;
     EXPECT_TRUE(out.empty());
     EXPECT_EQ(log.numErrors(), 1u);
   }
-}
-
-TEST(SymmetricCrypt, FailsWithoutRandomBytes) {
-  DataBuffer key = bufferOf(randomBytes(32)), out = bufferOf("old");
-  const faults::FailCall armed(Call::kRandom, 1, true, {Fault::kError, ENOSYS});
-  EXPECT_FALSE(SymmetricCrypt::encryptBytes(256, nullptr, key, bytesOf("x"), 1, out, nowhere));
-  EXPECT_TRUE(out.empty());
 }
 
 TEST(SymmetricCrypt, WorksInPlaceAndLeavesLentMemoryAlone) {

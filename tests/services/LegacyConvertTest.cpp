@@ -1,5 +1,7 @@
 // The charsets that are not Unicode, and what holds for all conversions.
 
+#include <unicode/uchar.h>
+
 #include "tests/services/CharsetSupport.h"
 
 namespace {
@@ -151,15 +153,13 @@ TEST(Legacy, ATextThatIsCutKeepsItsWholeCharacters) {
 
 // Tables are made when they are first asked for: in a process of its own for each test, by all threads at once.
 TEST(Convert, ThreadsMayAskFirstTogether) {
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 4; ++t)
-    threads.emplace_back([] {
-      for (const auto& c : kSamples) {
-        const std::string there = convert(65001, c.page, c.text).text;
-        EXPECT_EQ(convert(c.page, 65001, there), (Converted{c.text, true})) << c.name;
-      }
-    });
-  for (auto& thread : threads) thread.join();
+  together(4, [] {
+    for (u32 i = 0; i < 0x10000; i += 64) EXPECT_EQ(Utf16Case::toUpper(static_cast<u16>(i)), u_toupper(i)) << i;
+    for (const auto& c : kSamples) {
+      const std::string there = convert(65001, c.page, c.text).text;
+      EXPECT_EQ(convert(c.page, 65001, there), (Converted{c.text, true})) << c.name;
+    }
+  });
 }
 
 TEST(Convert, AppendsAndLeavesWhatWasThere) {

@@ -55,16 +55,6 @@ TEST(Utf16Case, EveryUnitMapsAsItsCharacterDoes) {
   Utf16Case::toUpper(nullptr, 0);
 }
 
-TEST(Utf16Case, ThreadsMayAskFirstTogether) {
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 4; ++t)
-    threads.emplace_back([] {
-      for (u32 i = 0; i < 0x10000; ++i)
-        EXPECT_EQ(Utf16Case::toUpper(static_cast<u16>(i)), Utf16Case::toUpper(static_cast<u16>(i)));
-    });
-  for (auto& thread : threads) thread.join();
-}
-
 TEST(Utf16Search, FindsEveryUnitInEachOfItsCases) {
   std::vector<std::u16string> alike(0x10000);
   for (u32 i = 0; i < 0x10000; ++i) alike[folded(static_cast<u16>(i))] += static_cast<char16_t>(i);

@@ -1,7 +1,8 @@
 // Allocation failures on demand: the test programs replace operator new and delete, in all their forms.
 #pragma once
 
-#include <initializer_list>
+#include <string>
+#include <utility>
 
 #include "varnik/services/memory/Types.h"
 
@@ -27,35 +28,27 @@ class FailAllocation {
  public:
   FailAllocation(u32 k, bool forGood) { pendingRefusal = {k, forGood, false}; }
   ~FailAllocation() { pendingRefusal.countdown = 0; }
-  FailAllocation(const FailAllocation&) = delete;
-  FailAllocation& operator=(const FailAllocation&) = delete;
+  FailAllocation(FailAllocation&&) = delete;
 
   /// True once an allocation was refused.
   bool struck() const { return pendingRefusal.hasStruck; }
 };
 
-/// The block whose release is waited for, and what was seen of it.
+/// The block whose release is waited for, and what was seen of it then.
 struct Watch {
   const void* block;
   u32 n;
-  bool wasReleased;
-  u8 seen[64];
+  char seen[64];
 };
 inline thread_local Watch awaited = {};
 
-/// Copies the first bytes of a block at the moment of its release, while the object lives.
-class WatchRelease {
- public:
-  /// REQUIRES: the block has `n` bytes, `n` at most 64.
-  WatchRelease(const void* block, u32 n) { awaited = {block, n, false, {}}; }
-  ~WatchRelease() { awaited.block = nullptr; }
-  WatchRelease(const WatchRelease&) = delete;
-  WatchRelease& operator=(const WatchRelease&) = delete;
-
-  bool released() const { return awaited.wasReleased; }
-  /// The bytes as they were when the block was released. REQUIRES: `released()`.
-  const u8* bytes() const { return awaited.seen; }
-};
+/// The first `n` bytes of a block, as they were just before `let()` released it. REQUIRES: `n` is at most 64.
+template <class Let>
+std::string seenAtRelease(const void* block, u32 n, Let let) {
+  awaited = {block, n, {}};
+  let();
+  return std::exchange(awaited.block, nullptr) ? "(not released)" : std::string(awaited.seen, n);
+}
 
 /// Calls `operation(k, forGood)` for k = 1, 2, ..., each once and for good, until it answers that no refusal came. The
 /// operation makes its objects, holds a `FailAllocation(k, forGood)` around the call under test only, checks what the
@@ -64,10 +57,7 @@ template <class Operation>
 u32 failEachAllocation(Operation operation) {
   u32 refusals = 0;
   for (const bool forGood : {false, true})
-    for (u32 k = 1;; ++k) {
-      if (!operation(k, forGood)) break;
-      ++refusals;
-    }
+    for (u32 k = 1; operation(k, forGood); ++k) ++refusals;
   return refusals;
 }
 

@@ -4,8 +4,8 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <cstring>
-#include <new>
 #include <string_view>
 
 #include "varnik/services/memory/Types.h"
@@ -19,15 +19,12 @@ class GuardedBytes {
     const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
     area_ = (most + page - 1) / page * page;
     mapped_ = area_ + 2 * page;
-    void* const whole = mmap(nullptr, mapped_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (whole == MAP_FAILED) throw std::bad_alloc();
-    first_ = static_cast<u8*>(whole) + page;
-    if (area_ != 0 && mprotect(first_, area_, PROT_READ | PROT_WRITE) != 0) throw std::bad_alloc();
-    whole_ = whole;
+    whole_ = mmap(nullptr, mapped_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    first_ = static_cast<u8*>(whole_) + page;
+    if (whole_ == MAP_FAILED || (area_ != 0 && mprotect(first_, area_, PROT_READ | PROT_WRITE) != 0)) std::abort();
   }
   ~GuardedBytes() { munmap(whole_, mapped_); }
-  GuardedBytes(const GuardedBytes&) = delete;
-  GuardedBytes& operator=(const GuardedBytes&) = delete;
+  GuardedBytes(GuardedBytes&&) = delete;
 
   /// Returns `n` writable bytes with an unreadable page right behind them.
   u8* ending(std::size_t n) { return first_ + area_ - n; }

@@ -55,8 +55,7 @@ class FailCall {
  public:
   FailCall(Call call, u32 k, bool forGood, Fault fault) { pendingStrike = {call, k, forGood, false, fault}; }
   ~FailCall() { pendingStrike.countdown = 0; }
-  FailCall(const FailCall&) = delete;
-  FailCall& operator=(const FailCall&) = delete;
+  FailCall(FailCall&&) = delete;
 
   /// True once a call was struck.
   bool struck() const { return pendingStrike.hasStruck; }

@@ -20,8 +20,7 @@ class TempFolder {
     std::error_code ignored;
     std::filesystem::remove_all(path_, ignored);
   }
-  TempFolder(const TempFolder&) = delete;
-  TempFolder& operator=(const TempFolder&) = delete;
+  TempFolder(TempFolder&&) = delete;
 
   std::string operator/(std::string_view name) const { return path_ + "/" + std::string(name); }
   const std::string& path() const { return path_; }

@@ -32,6 +32,12 @@ int inChild(Body body) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : 255;
 }
 
-using faults::Call;
-using faults::Fault;
+/// Runs `body` in so many threads at once.
+template <class Body>
+void together(u32 numThreads, Body body) {
+  std::vector<std::jthread> threads;
+  while (threads.size() < numThreads) threads.emplace_back(body);
+}
+
+using faults::Call, faults::Fault, faults::seenAtRelease;
 using namespace std::literals;
