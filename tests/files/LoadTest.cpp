@@ -177,33 +177,25 @@ TEST(Load, AsksForItsPermissionBeforeAllElse) {
 TEST(Load, KeepsWhatAFailedReadGave) {
   const TempFolder folder;
   const std::string path = writeFile(folder / "f", kSample);
-  const struct {
-    const char* what;
-    u32 loader, k;
-    bool forGood;
-    Fault fault;
-    std::string left;  // all, or it fails
-  } kCases[] = {
-      {"interrupted once", 0, 1, false, {Fault::kError, EINTR}, kSample},
-      {"short once", 0, 1, false, {Fault::kShort, 1}, kSample},
-      {"short for good", 0, 1, true, {Fault::kHalf, 0}, kSample},
-      {"error at once", 0, 1, false, {Fault::kError, EIO}, std::string(14, '\0')},
-      {"error half-way", 0, 1, false, {Fault::kBreak, EIO}, kSample.substr(0, 7) + std::string(7, '\0')},
-      {"end half-way", 0, 1, false, {Fault::kBreak, 0}, kSample.substr(0, 7) + std::string(7, '\0')},
-      {"end at once", 0, 1, false, {Fault::kNothing, 0}, std::string(14, '\0')},
-      {"error in the body", 1, 3, false, {Fault::kBreak, EIO}, "bo\0\0"s},
-      {"end in the body", 1, 3, false, {Fault::kBreak, 0}, "bo\0\0"s},
+  const std::string kNone(14, '\0'), kHalf = "\x0A\0\0\0hea\0\0\0\0\0\0\0"s, kOfBody = "bo\0\0"s;
+  const std::tuple<u32, bool, Fault, std::string> kCases[] = {
+      // the loader's first read of the content, whether for good, what it leaves: all, or it fails
+      {0, false, {Fault::kError, EINTR}, kSample}, {0, false, {Fault::kShort, 1}, kSample},
+      {0, true, {Fault::kHalf, 0}, kSample},       {0, false, {Fault::kError, EIO}, kNone},
+      {0, false, {Fault::kBreak, EIO}, kHalf},     {0, false, {Fault::kBreak, 0}, kHalf},
+      {0, false, {Fault::kNothing, 0}, kNone},     {1, false, {Fault::kBreak, EIO}, kOfBody},
+      {1, false, {Fault::kBreak, 0}, kOfBody},
   };
-  for (const auto& c : kCases) {
-    const Loader& loader = kLoaders[c.loader];
+  for (const auto& [which, forGood, fault, left] : kCases) {
+    const Loader& loader = kLoaders[which];
     DataBuffer b, header = bufferOf("header");
     LogText log;
-    const faults::FailCall fault(Call::kRead, c.k, c.forGood, c.fault);
-    EXPECT_EQ(loader.load(b, header, path.c_str(), log), c.left == loader.given) << c.what;
-    EXPECT_EQ(textOf(b), c.left) << c.what;
-    EXPECT_TRUE(b.getBufSize() == c.left.size() + loader.spare && endsInZeros(b)) << c.what;
+    const faults::FailCall armed(Call::kRead, which == 0 ? 1 : 3, forGood, fault);
+    EXPECT_EQ(loader.load(b, header, path.c_str(), log), left == loader.given) << fault.kind << ' ' << fault.value;
+    EXPECT_EQ(textOf(b), left) << fault.kind << ' ' << fault.value;
+    EXPECT_TRUE(b.getBufSize() == left.size() + loader.spare && endsInZeros(b)) << left;
     EXPECT_EQ(textOf(header), "header");
-    EXPECT_EQ(log.numErrors(), c.left == loader.given ? 0u : 1u) << c.what;
+    EXPECT_EQ(log.numErrors(), left == loader.given ? 0u : 1u) << left;
   }
 }
 
