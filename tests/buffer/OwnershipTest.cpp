@@ -3,21 +3,16 @@
 // Every way in which two buffers exchange their storage; the flag goes only with a swap.
 TEST(Ownership, PassesBetweenBuffers) {
   constexpr struct {
-    const char* what;
     void (*pass)(DataBuffer& to, DataBuffer& from);
     const char* left[3];  // of both, for a `from` with storage of its own, lent, and empty
   } kCases[] = {
-      {"takeData",
-       [](DataBuffer& to, DataBuffer& from) { to.takeBinaryData(from); },
+      {[](DataBuffer& to, DataBuffer& from) { to.takeBinaryData(from); },
        {"new of 3;  of 0, no block, secure", "len of 3, lent;  of 0, no block, secure", " of 20000;  of 50, secure"}},
-      {"takeDataPtr",
-       [](DataBuffer& to, DataBuffer& from) { to.takeDataPtr(&from); },
+      {[](DataBuffer& to, DataBuffer& from) { to.takeDataPtr(&from); },
        {"new of 3;  of 0, no block, secure", "len of 3, lent;  of 0, no block, secure", " of 20000;  of 50, secure"}},
-      {"takeData_kb",
-       [](DataBuffer& to, DataBuffer& from) { to.takeData_kb(from); },
+      {[](DataBuffer& to, DataBuffer& from) { to.takeData_kb(from); },
        {"new of 3;  of 20000, secure", "len of 3, lent;  of 20000, secure", " of 50;  of 20000, secure"}},
-      {"swapData",
-       [](DataBuffer& to, DataBuffer& from) { to.swapData(from); },
+      {[](DataBuffer& to, DataBuffer& from) { to.swapData(from); },
        {"new of 3, secure; old of 20000", "len of 3, lent, secure; old of 20000", " of 50, secure; old of 20000"}},
   };
   u8 lent[] = {'l', 'e', 'n'};
@@ -30,11 +25,11 @@ TEST(Ownership, PassesBetweenBuffers) {
       if (i == 2) from.ensureBuffer(50);
       const u8 *block = from.getData2(), *old = to.getData2();
       c.pass(to, from);
-      EXPECT_EQ(stateOf(to) + "; " + stateOf(from), c.left[i]) << c.what;
-      EXPECT_EQ(to.getData2(), to.getBufSize() == 20'000 ? old : block) << c.what;
+      EXPECT_EQ(stateOf(to) + "; " + stateOf(from), c.left[i]);
+      EXPECT_EQ(to.getData2(), to.getBufSize() == 20'000 ? old : block) << &c - kCases;
       const std::string before = stateOf(to);
       c.pass(to, to);
-      EXPECT_EQ(stateOf(to), before) << c.what;
+      EXPECT_EQ(stateOf(to), before) << &c - kCases;
     }
   DataBuffer a = borrowing(lent, 3), b = bufferOf("b");
   a.takeData_kb(b);  // a lent block is only forgotten

@@ -86,7 +86,7 @@ TEST(View, TearsNoRecordBetweenThreads) {
   const u32 numThreads = soaks() ? 8 : 3, each = soaks() ? 250'000 : 20'000;
   DataBufferView view;
   std::atomic<u32> torn = 0, left = numThreads * each, taken[256] = {};
-  std::vector<std::thread> threads;
+  std::vector<std::jthread> threads;
   for (u32 t = 0; t < numThreads; ++t) {
     threads.emplace_back([&] {
       for (u32 i = 0; i < each; ++i) view.append(std::string(kLength, static_cast<char>(i)).data(), kLength);
@@ -103,7 +103,7 @@ TEST(View, TearsNoRecordBetweenThreads) {
       }
     });
   }
-  for (std::thread& thread : threads) thread.join();
+  threads.clear();  // when all have ended
   EXPECT_EQ(torn, 0u);
   for (u32 value = 0; value < 256; ++value) EXPECT_EQ(taken[value], numThreads * ((each - value + 255) / 256)) << value;
   EXPECT_EQ(view.getViewSize(), 0u);
