@@ -2,6 +2,7 @@
 
 #include "tests/exhaustive/Tried.h"
 #include "tests/support/Test.h"
+#include "varnik/buffer/Spans.h"
 #include "varnik/services/codecs/internal/DecodeResult.h"
 
 namespace {
@@ -25,71 +26,62 @@ const Codec kCodecs[] = {
 };
 
 /// The value of each byte: a digit's, 254 for what is skipped, 253 for padding, 255 for the rest.
-void fillValues(const Codec& codec, u8* values) {
-  std::memset(values, 255, 256);
+using Values = std::array<u8, 256>;
+Values valuesOf(const Codec& codec) {
+  Values values;
+  values.fill(255);
   for (const char c : " \t\n\v\f\r"s) values[static_cast<u8>(c)] = 254;
   if (codec.padding != 0) values[u8{'='}] = 253;
   for (u32 i = 0; i < codec.digits.size(); ++i) values[static_cast<u8>(codec.digits[i])] = static_cast<u8>(i);
   for (u32 i = 0; i < codec.others.size(); ++i) values[static_cast<u8>(codec.others[i])] = static_cast<u8>(62 + i);
   if (codec.bits == 4)  // either case counts
     for (u32 c = 'A'; c <= 'Z'; ++c) values[c | 0x20] = values[c];
+  return values;
 }
 
 /// Decodes a short text slowly; false where it is at fault, with what stands before the fault in `out`.
-bool decodeSlowly(const Codec& codec, const u8* values, const char* text, u32 n, u8* out, u32& size) {
-  u32 bits = 0, held = 0, digits = 0, padding = 0;
+bool decodeSlowly(const Codec& codec, const Values& values, std::string_view text, std::string& out) {
+  u32 bits = 0, held = 0, padding = 0;
   bool good = true;
-  size = 0;
-  for (u32 i = 0; i < n && good; ++i) {
+  for (u32 i = 0; i < text.size() && good; ++i) {
     const u8 value = values[static_cast<u8>(text[i])];
     if (value == 254) continue;
     padding += value == 253;
     good = value == 253 ? padding <= codec.padding : value < 253 && padding == 0;
     if (!good || value == 253) continue;
     bits = bits << codec.bits | value;
-    ++digits;
-    if ((held += codec.bits) >= 8) {
-      held -= 8;
-      out[size++] = static_cast<u8>(bits >> held);
-    }
+    if ((held += codec.bits) >= 8) out += static_cast<char>(bits >> (held -= 8));
   }
   return good && held < codec.bits && (bits & ((1u << held) - 1)) == 0;
 }
 
 TEST(Exhaustive, GroupsOfFourCharacters) {
   for (const Codec& codec : kCodecs) {
-    u8 values[256], expected[8];
-    fillValues(codec, values);
+    const Values values = valuesOf(codec);
     const std::string tried = bytesTried(codec.matters, 64);
     DataBuffer out;
-    char text[4];
-    u64 differences = 0;
+    std::string expected;
     for (const char a : tried)
       for (const char b : tried)
         for (const char c : tried)
           for (const char d : tried) {
-            text[0] = a, text[1] = b, text[2] = c, text[3] = d;
-            u32 size = 0;
-            const bool good = decodeSlowly(codec, values, text, 4, expected, size);
-            out.clear();
-            const bool ok = codec.decode(text, 4, out).ok;
-            if (ok != good || (good ? out.size() != size : out.size() > size) ||
-                (out.size() != 0 && std::memcmp(out.getData2(), expected, out.size()) != 0))
-              if (++differences == 1)
-                ADD_FAILURE() << codec.what << ": " << testing::PrintToString(std::string(text, 4));
+            const char text[] = {a, b, c, d};
+            out.clear(), expected.clear();
+            const bool good = decodeSlowly(codec, values, {text, 4}, expected), ok = codec.decode(text, 4, out).ok;
+            const std::string_view is = vk_view(out);
+            ASSERT_TRUE(ok == good && (good ? is == expected : expected.starts_with(is)))
+                << codec.what << ": " << testing::PrintToString(std::string(text, 4));
           }
-    EXPECT_EQ(differences, 0u) << codec.what;
   }
 }
 
 TEST(Exhaustive, TriplesOfBase45) {
   const std::string tried = bytesTried("\t\n\r" + kBase45, 256);
   DataBuffer out;
-  u64 differences = 0;
   for (const char a : tried)
     for (const char b : tried)
       for (const char c : tried) {
-        const char text[3] = {a, b, c};
+        const char text[] = {a, b, c};
         u32 value = 0, n = 0;
         bool good = true;
         for (u32 i = 3; i-- != 0;) {
@@ -105,10 +97,8 @@ TEST(Exhaustive, TriplesOfBase45) {
         const u32 size = n == 0 ? 0 : n - 1;
         const bool isSame = !good || (out.size() == size && (size < 2 || out.byteAt(0) == value >> 8) &&
                                       (size < 1 || out.lastByte() == (value & 0xFF)));
-        if (ok != good || !isSame)
-          if (++differences == 1) ADD_FAILURE() << testing::PrintToString(std::string(text, 3));
+        ASSERT_TRUE(ok == good && isSame) << testing::PrintToString(std::string(text, 3));
       }
-  EXPECT_EQ(differences, 0u);
 }
 
 TEST(Exhaustive, TriplesOfBytesThereAndBack) {
@@ -122,7 +112,7 @@ TEST(Exhaustive, TriplesOfBytesThereAndBack) {
       DataBuffer back;
       ASSERT_TRUE(DataBuffer::encodeDB2(name, bytesOf(all), countOf(all), text));
       ASSERT_TRUE(back.appendEncoded(text.getString(), name) && textOf(back) == all) << name << " " << high;
-      for (u32 i = 0; i < 0x10000 && name == "base64"s; i += 1) {
+      for (u32 i = 0; i < 0x10000 && name == "base64"s; ++i) {
         const u32 bits = high << 16 | i;
         for (u32 k = 0; k < 4; ++k) ASSERT_EQ(text.getString()[4 * i + k], kBase64[bits >> (18 - 6 * k) & 63]) << bits;
       }
