@@ -122,8 +122,7 @@ class VARNIK_API DataBuffer : public VarnikObject {
   // What a buffer adopts as owned must have been allocated as `allocByteArray` does. Storage that is replaced is freed
   // when owned and forgotten when borrowed. Only the buffer called is guarded, and only its `secure` flag kept.
 
-  /// Guarded. Takes the storage of `source`, which is left empty. An empty source keeps its storage; this buffer is
-  /// cleared.
+  /// Guarded. Takes the storage of `source`, which is left empty. An empty one keeps it; this buffer is cleared.
   void takeData(DataBuffer& source);
   void takeBinaryData(DataBuffer& source) { takeData(source); }
   /// `takeData` of the buffer pointed to; null clears this buffer.
@@ -133,8 +132,7 @@ class VARNIK_API DataBuffer : public VarnikObject {
   /// Exchanges storage and `secure` flags.
   void swapData(DataBuffer& other);
 
-  /// Guarded. Adopts a block of `n` bytes, all in use; the second form of `capacity` bytes with the first `size` in
-  /// use.
+  /// Guarded. Adopts a block of `n` bytes, all in use; the second form of `capacity` bytes, the first `size` in use.
   void takeData(void* block, u32 n) { takeData2(block, n, n); }
   void setData(void* block, u32 n) { takeData2(block, n, n); }
   void takeData2(void* block, u32 size, u32 capacity);
@@ -156,8 +154,7 @@ class VARNIK_API DataBuffer : public VarnikObject {
   /// Makes the content end in exactly one zero byte, counted in the size, for a `StringBuffer` to adopt.
   bool prepForSbTake();
 
-  /// Guarded. Replaces content and capacity by a copy of those of `source`. Where memory runs out the buffer ends
-  /// empty.
+  /// Guarded. Replaces content and capacity by a copy of those of `source`; empty where memory runs out.
   void copy(const DataBuffer& source);
   /// Guarded. Replaces the content by a copy of `n` bytes in a block of exactly `n`. Empty where memory runs out.
   void copyData(const void* source, u32 n);
@@ -224,8 +221,7 @@ class VARNIK_API DataBuffer : public VarnikObject {
   void slideTailToFront(u32 n, LogBase& log);
   /// Sets the size to `n`; what is new is zero. False, unchanged, when it cannot grow.
   bool resize(u32 n);
-  /// Makes the buffer a XOR b, byte by byte; either may be this buffer. False when their sizes differ or it cannot
-  /// grow.
+  /// Makes the buffer a XOR b, byte by byte; either may be this one. False when their sizes differ or it cannot grow.
   bool exclusiveOr(const DataBuffer& a, const DataBuffer& b);
   /// ANDs the first bytes with those of the mask, as far as both reach. Null does nothing.
   void applyMask(const void* mask, u32 n);
