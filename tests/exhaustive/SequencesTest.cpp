@@ -2,7 +2,7 @@
 // standard.
 
 #include "tests/exhaustive/Tried.h"
-#include "tests/support/Test.h"
+#include "tests/services/CharsetSupport.h"
 
 namespace {
 
@@ -47,38 +47,26 @@ bool readSlowly(const u8* p, u32 n, std::string& out) {
   return good;
 }
 
-/// Holds a batch of sequences against what they should become.
-class Batch {
- public:
-  Batch(s32 from, s32 to) : from_(from), to_(to) {}
-  void check() {
-    DataBuffer out;
-    const bool good = _vkEncodingConvert().EncConvert(from_, to_, bytesOf(given), countOf(given), out, nowhere);
-    EXPECT_EQ(good, isGood);
-    EXPECT_TRUE(textOf(out) == expected) << testing::PrintToString(given.substr(0, 100));
-    given.clear();
-    expected.clear();
-    isGood = true;
-  }
-  std::string given, expected;
-  bool isGood = true;
-
- private:
-  s32 from_, to_;
-};
+/// Holds what sequences become against what they should.
+void hold(s32 from, s32 to, const std::string& given, const std::string& expected, bool isGood) {
+  const Converted got = convert(from, to, given);
+  EXPECT_EQ(got.good, isGood);
+  EXPECT_TRUE(got.text == expected) << testing::PrintToString(given.substr(0, 100));
+}
 
 TEST(Exhaustive, QuadruplesOfUtf8) {
   const std::string tried = bytesTried("\x80\xBF\x8F\x90\x9F\xA0 \xC2\xE0\xED\xF0\xF4\xFF\x7F\xC0\xE2", 16);
   for (u32 a = 0; a < 256; ++a)
     for (u32 b = 0; b < 256 && !testing::Test::HasFailure(); ++b) {
-      Batch batch(kUtf8, kUtf16Le);
+      std::string given, expected;
+      bool isGood = true;
       for (const char c : tried)
         for (const char d : tried) {
           const char sequence[] = {kBetween, static_cast<char>(a), static_cast<char>(b), c, d};
-          batch.given.append(sequence, 5);
-          batch.isGood &= readSlowly(reinterpret_cast<const u8*>(sequence), 5, batch.expected);
+          given.append(sequence, 5);
+          isGood &= readSlowly(reinterpret_cast<const u8*>(sequence), 5, expected);
         }
-      batch.check();
+      hold(kUtf8, kUtf16Le, given, expected, isGood);
     }
 }
 
@@ -89,28 +77,29 @@ void putUtf8(std::string& out, u32 c) {
 }
 
 void checkPairs(s32 from, u32 first, u32 step) {
-  Batch batch(from, kUtf8);
+  std::string given, expected;
+  bool isGood = true;
   const auto put = [&](u32 unit) {
     const char bytes[] = {static_cast<char>(unit), static_cast<char>(unit >> 8), static_cast<char>(unit)};
-    batch.given.append(bytes + (from == kUtf16Be), 2);
+    given.append(bytes + (from == kUtf16Be), 2);
   };
   const auto isHigh = [](u32 unit) { return unit >> 10 == 0x36; };
   const auto isLow = [](u32 unit) { return unit >> 10 == 0x37; };
   const auto readOne = [&](u32 unit) {
     const bool isLone = isHigh(unit) || isLow(unit);
-    batch.isGood &= !isLone;
-    putUtf8(batch.expected, isLone ? 0xFFFD : unit);
+    isGood &= !isLone;
+    putUtf8(expected, isLone ? 0xFFFD : unit);
   };
   for (u32 second = 0; second < 0x10000; second += second >= 0xD7F0 && second < 0xE010 ? 1 : step) {
     put(kBetween), put(first), put(second);
-    batch.expected += kBetween;
+    expected += kBetween;
     if (isHigh(first) && isLow(second)) {
-      putUtf8(batch.expected, 0x10000 + ((first & 0x3FF) << 10) + (second & 0x3FF));
+      putUtf8(expected, 0x10000 + ((first & 0x3FF) << 10) + (second & 0x3FF));
     } else {
       readOne(first), readOne(second);
     }
   }
-  batch.check();
+  hold(from, kUtf8, given, expected, isGood);
 }
 
 TEST(Exhaustive, PairsOfUtf16) {

@@ -1,4 +1,5 @@
 #include "tests/faults/Operations.h"
+#include "tests/services/CharsetSupport.h"
 #include "varnik/services/charset/internal/CharsetTable.h"
 
 namespace faults {
@@ -10,12 +11,6 @@ Operation converting(const std::string& what, s32 from, s32 to, std::string text
   return extending(what, [=](Scene& s) {
     return _vkEncodingConvert().EncConvert(from, to, bytesOf(text), countOf(text), s.buffer, s.log);
   });
-}
-
-std::string converted(s32 to, const std::string& text) {
-  DataBuffer out;
-  _vkEncodingConvert().EncConvert(kUtf8, to, bytesOf(text), countOf(text), out, nowhere);
-  return textOf(out);
 }
 
 }  // namespace
@@ -41,10 +36,11 @@ std::vector<Operation> charsetOperations() {
   const vk_charset::CharsetInfo* const charsets = vk_charset::charsets(count);
   for (u32 i = 0; i < count; ++i) {
     const s32 page = vk_charset::codePageOf(charsets[i].id);
-    all.push_back(converting(std::string("to ") + charsets[i].name, kUtf8, page, text));
-    all.push_back(converting(std::string("from ") + charsets[i].name, page, kUtf8, converted(page, text)));
     const s32 next = vk_charset::codePageOf(charsets[(i + 1) % count].id);
-    all.push_back(converting(std::string("to the next of ") + charsets[i].name, page, next, converted(page, text)));
+    const std::string name = charsets[i].name, there = convert(kUtf8, page, text).text;
+    all.push_back(converting("to " + name, kUtf8, page, text));
+    all.push_back(converting("from " + name, page, kUtf8, there));
+    all.push_back(converting("to the next of " + name, page, next, there));
   }
   return all;
 }

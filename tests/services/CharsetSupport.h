@@ -13,8 +13,7 @@ struct Converted {
 
 inline Converted convert(s32 from, s32 to, std::string_view text) {
   DataBuffer out;
-  LogNull log;
-  const bool good = _vkEncodingConvert().EncConvert(from, to, bytesOf(text), countOf(text), out, log);
+  const bool good = _vkEncodingConvert().EncConvert(from, to, bytesOf(text), countOf(text), out, nowhere);
   return {textOf(out), good};
 }
 

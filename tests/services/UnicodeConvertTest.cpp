@@ -37,10 +37,7 @@ TEST(Unicode, EveryCharacterGoesThroughEveryForm) {
 
 // A bad text as hex; what it is as UTF-8, with "?" for each U+FFFD: parts that are alone, cut off, overlong,
 // surrogates, above U+10FFFF, and the standard's own example.
-const struct {
-  s32 form;
-  std::vector<std::pair<const char*, const char*>> cases;  // the bytes, the text
-} kBroken[] = {
+const std::pair<s32, std::vector<std::pair<const char*, const char*>>> kBroken[] = {
     {65001,
      {{"80", "?"},
       {"41 C2", "A?"},
