@@ -1,8 +1,6 @@
 #include "tests/faults/Operations.h"
 
-namespace faults {
-
-std::vector<Operation> bufferOperations() {
+std::vector<faults::Operation> faults::bufferOperations() {
   return {
       op("append", [](Scene& s) { return s.buffer.append(s.source); }),
       op("append itself", [](Scene& s) { return s.buffer.append(s.buffer); }),
@@ -54,7 +52,7 @@ std::vector<Operation> bufferOperations() {
   };
 }
 
-std::vector<Operation> stringOperations() {
+std::vector<faults::Operation> faults::stringOperations() {
   return {
       op("append", [](Scene& s) { return s.text.append("some text, longer than what fits into a new string"); }),
       extending("append itself", [](Scene& s) { return s.text.append(s.text) && s.text.append(s.text); }),
@@ -76,5 +74,3 @@ std::vector<Operation> stringOperations() {
                }),
   };
 }
-
-}  // namespace faults

@@ -1,8 +1,6 @@
 #include "tests/faults/Operations.h"
 
-namespace faults {
-
-std::vector<Operation> fileOperations() {
+std::vector<faults::Operation> faults::fileOperations() {
   static const TempFolder folder;
   static const std::string saved = folder / "saved";
   // 10 as a header's length, then 3000 bytes.
@@ -32,5 +30,3 @@ std::vector<Operation> fileOperations() {
                }),
   };
 }
-
-}  // namespace faults

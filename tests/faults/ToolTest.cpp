@@ -34,11 +34,9 @@ Files filesHere() {
 }
 
 void restore(const Files& wanted) {
-  const Files now = filesHere();
-  for (const auto& [name, content] : now)
-    if (!wanted.contains(name)) std::filesystem::remove(name);
-  for (const auto& [name, content] : wanted)
-    if (!now.contains(name) || now.at(name) != content) std::ofstream(name, std::ios::binary) << content;
+  for (const auto& each : std::filesystem::directory_iterator("."))
+    if (!wanted.contains(each.path().filename())) std::filesystem::remove(each);
+  for (const auto& [name, content] : wanted) writeFile(name, content);
 }
 
 struct Ended {

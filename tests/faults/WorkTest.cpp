@@ -84,21 +84,19 @@ std::vector<Work> works() {
 
 TEST(Work, AllocatesInProportion) {
   for (const Work& work : works()) {
-    u64 blocks[2], bytes[2];
+    double blocks[2], bytes[2];
     for (u32 i = 0; i < 2; ++i) {
       const std::size_t n = std::size_t{20'000} << 6 * i;
       const std::string input = work.unit.empty() ? randomBytes(n) : repeated(work.unit, n);
       work.run(input.substr(0, 10));  // what the services keep is made
-      blocks[i] = faults::tally.blocks;
-      bytes[i] = faults::tally.bytes;
+      const faults::Tally before = faults::tally;
       work.run(input);
-      blocks[i] = faults::tally.blocks - blocks[i];
-      bytes[i] = faults::tally.bytes - bytes[i];
+      blocks[i] = static_cast<double>(faults::tally.blocks - before.blocks);
+      bytes[i] = static_cast<double>(faults::tally.bytes - before.bytes);
     }
     const double most = std::pow(work.isLinear ? 2.2 : 3.0, 6);
-    const auto limit = [most](u64 n) { return most * static_cast<double>(n); };
-    EXPECT_LE(static_cast<double>(blocks[1]), limit(blocks[0]) + 4) << work.what << " of " << work.unit;
-    EXPECT_LE(static_cast<double>(bytes[1]), limit(bytes[0]) + 25'000) << work.what << " of " << work.unit;
+    EXPECT_LE(blocks[1], most * blocks[0] + 4) << work.what << " of " << work.unit;
+    EXPECT_LE(bytes[1], most * bytes[0] + 25'000) << work.what << " of " << work.unit;
   }
 }
 

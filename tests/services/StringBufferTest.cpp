@@ -1,7 +1,5 @@
 #include "tests/support/Test.h"
 
-namespace {
-
 TEST(StringBuffer, StartsEmptyAndEndsInANul) {
   StringBuffer s;
   EXPECT_STREQ(s.getString(), "");
@@ -150,5 +148,3 @@ TEST(XString, CopiesMovesAndWipes) {
   const faults::FailAllocation none(1, true);
   EXPECT_EQ(c.getUtf16_xe(), nullptr);
 }
-
-}  // namespace

@@ -67,6 +67,11 @@ TEST(Utf16Search, FindsEveryUnitInEachOfItsCases) {
       }
   EXPECT_EQ(search(u"stra\u00DFe", u"STRASSE"), -1) << "unit for unit: one does not match two";
   EXPECT_EQ(search(u"\xD800", u"\xD801"), -1);
+  const u16 a[] = {u'a', u'b'};
+  EXPECT_EQ(vk_findUtf16NoCase(a, 2, nullptr, 0), a);
+  EXPECT_EQ(vk_findUtf16NoCase(nullptr, 0, a, 1), nullptr);
+  EXPECT_EQ(vk_findUtf16NoCase(a, 1, a, 2), nullptr);
+  EXPECT_EQ(vk_findUtf16NoCase(a, 2, nullptr, 1), nullptr);
 }
 
 TEST(Utf16Search, AgreesWithThePlainSearch) {
@@ -95,14 +100,6 @@ TEST(Utf16Search, IsLinearOnRepeatedText) {
   EXPECT_EQ(search(period, period.substr(0, m / 3 * 3) + u"aBc"), -1);
   EXPECT_EQ(search(period + u"c", period.substr(1, m / 3 * 3) + u"aBac"), -1);
   EXPECT_EQ(search(period + u"BC", period.substr(0, m / 3 * 3) + u"bc"), s64{n / 3 * 3 - m / 3 * 3});
-}
-
-TEST(Utf16Search, EmptyAndNull) {
-  const u16 a[] = {u'a', u'b'};
-  EXPECT_EQ(vk_findUtf16NoCase(a, 2, nullptr, 0), a);
-  EXPECT_EQ(vk_findUtf16NoCase(nullptr, 0, a, 1), nullptr);
-  EXPECT_EQ(vk_findUtf16NoCase(a, 1, a, 2), nullptr);
-  EXPECT_EQ(vk_findUtf16NoCase(a, 2, nullptr, 1), nullptr);
 }
 
 }  // namespace
