@@ -2,28 +2,16 @@
 
 namespace {
 
-/// Reads an integer at the cursor; `out` tells it.
-template <class Integer, auto parse, bool isLittleEndian>
-bool number(const DataBuffer& b, u32& cursor, std::string& out) {
-  Integer value = 7;
-  const bool done = (b.*parse)(cursor, isLittleEndian, value);
-  out = std::to_string(value);
-  return done;
-}
-
-/// Reads `n` bytes into a buffer or a string.
-template <class Bytes, auto parse, u32 n>
-bool bytes(const DataBuffer& b, u32& cursor, std::string& out) {
-  Bytes got;
-  const bool done = (b.*parse)(cursor, n, got);
-  out = textOf(got);
-  return done;
-}
-
-bool byte(const DataBuffer& b, u32& cursor, std::string& out) {
-  u8 value = 'x';
-  const bool done = b.parseByte(cursor, value);
-  out = static_cast<char>(value);
+/// Reads a field by `(b.*parse)(cursor, how..., value)`; `out` tells the value.
+template <class Value, auto parse, auto... how>
+bool field(const DataBuffer& b, u32& cursor, std::string& out) {
+  Value value{};
+  if constexpr (std::is_integral_v<Value>) value = 7;
+  const bool done = (b.*parse)(cursor, how..., value);
+  if constexpr (std::is_integral_v<Value>)
+    out = std::to_string(value);
+  else
+    out = textOf(value);
   return done;
 }
 
@@ -32,17 +20,17 @@ bool byte(const DataBuffer& b, u32& cursor, std::string& out) {
 TEST(Cursor, StaysInTheBytesInUse) {
   // The width, the reader, what is read at 0, and where there is nothing.
   const std::tuple<u32, bool (*)(const DataBuffer&, u32&, std::string&), std::string, std::string> kFields[] = {
-      {1, byte, "\x01", "x"},
-      {2, number<u16, &DataBuffer::parseUint16, true>, std::to_string(0x0201), "0"},
-      {2, number<u16, &DataBuffer::parseUint16, false>, std::to_string(0x0102), "0"},
-      {4, number<u32, &DataBuffer::parseUint32, true>, std::to_string(0x84030201), "0"},
-      {4, number<u32, &DataBuffer::parseUint32, false>, std::to_string(0x01020384), "0"},
-      {8, number<s64, &DataBuffer::parseInt64, true>, std::to_string(static_cast<s64>(0xFE07060584030201)), "0"},
-      {8, number<s64, &DataBuffer::parseInt64, false>, std::to_string(0x01020384050607FE), "0"},
-      {3, bytes<DataBuffer, &DataBuffer::parseData, 3>, "\x01\x02\x03", ""},
-      {3, bytes<StringBuffer, &DataBuffer::parseString, 3>, "\x01\x02\x03", ""},
-      {0, bytes<DataBuffer, &DataBuffer::parseData, 0>, "", ""},
-      {0, bytes<StringBuffer, &DataBuffer::parseString, 0>, "", ""},
+      {1, field<u8, &DataBuffer::parseByte>, "1", "7"},
+      {2, field<u16, &DataBuffer::parseUint16, true>, std::to_string(0x0201), "0"},
+      {2, field<u16, &DataBuffer::parseUint16, false>, std::to_string(0x0102), "0"},
+      {4, field<u32, &DataBuffer::parseUint32, true>, std::to_string(0x84030201), "0"},
+      {4, field<u32, &DataBuffer::parseUint32, false>, std::to_string(0x01020384), "0"},
+      {8, field<s64, &DataBuffer::parseInt64, true>, std::to_string(static_cast<s64>(0xFE07060584030201)), "0"},
+      {8, field<s64, &DataBuffer::parseInt64, false>, std::to_string(0x01020384050607FE), "0"},
+      {3, field<DataBuffer, &DataBuffer::parseData, 3u>, "\x01\x02\x03", ""},
+      {3, field<StringBuffer, &DataBuffer::parseString, 3u>, "\x01\x02\x03", ""},
+      {0, field<DataBuffer, &DataBuffer::parseData, 0u>, "", ""},
+      {0, field<StringBuffer, &DataBuffer::parseString, 0u>, "", ""},
   };
   const std::string content = fromHex("01 02 03 84 05 06 07 FE 09 0A");
   GuardedBytes forwards(content.size()), backwards(content.size());
