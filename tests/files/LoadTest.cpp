@@ -217,7 +217,7 @@ TEST(Load, SurvivesEachFailure) {
 TEST(Load, ReadsLargeFilesWithAStationOrWithout) {
   const TempFolder folder;
   const std::string content = randomBytes(9'000'001);
-  XString name = wideOf(writeFile(folder / "f", content).c_str());
+  XString name = wideOf(writeFile(folder / "f", content + "more").c_str());
   for (const auto& [failing, hasStation, least] : {std::tuple{0u, true, 9'000'001u},
                                                    {1u, true, 100'000u},
                                                    {20u, true, 2'000'000u},
