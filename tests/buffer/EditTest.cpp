@@ -5,13 +5,9 @@ namespace {
 using Edit = std::function<bool(DataBuffer&)>;
 
 TEST(Append, GrowsInSteps) {
-  for (const auto& [size, capacity] : {std::pair{0u, 64u},
-                                       {63u, 127u},
-                                       {64u, 320u},
-                                       {255u, 511u},
-                                       {256u, 1'280u},
-                                       {1'023u, 2'047u},
-                                       {1'024u, 11'024u}})
+  constexpr std::pair<u32, u32> kSteps[] = {{0u, 64u},      {63u, 127u},      {64u, 320u},      {255u, 511u},
+                                            {256u, 1'280u}, {1'023u, 2'047u}, {1'024u, 11'024u}};
+  for (const auto& [size, capacity] : kSteps)
     for (const bool two : {false, true}) {
       DataBuffer b;
       b.copyData(randomBytes(size).data(), size);

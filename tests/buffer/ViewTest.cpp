@@ -31,13 +31,10 @@ TEST(View, IsAQueue) {
 
 // Where the content begins in its block tells whether the dead bytes were dropped.
 TEST(View, DropsDeadBytesAtTheThresholds) {
-  for (const auto& [held, kept] : {std::pair{15'000u, 14'999u},
-                                   {20'000u, 19'999u},
-                                   {20'001u, 19'900u},
-                                   {200'000u, 19'900u},
-                                   {200'001u, 199'000u},
-                                   {2'000'000u, 199'000u},
-                                   {2'000'001u, 1'990'000u}}) {
+  constexpr std::pair<u32, u32> kThresholds[] = {{15'000u, 14'999u},      {20'000u, 19'999u},   {20'001u, 19'900u},
+                                                 {200'000u, 19'900u},     {200'001u, 199'000u}, {2'000'000u, 199'000u},
+                                                 {2'000'001u, 1'990'000u}};
+  for (const auto& [held, kept] : kThresholds) {
     DataBufferView view;
     view.append(randomBytes(held).data(), held);
     const u8* block = view.getViewData();

@@ -205,12 +205,9 @@ TEST(Save, LeavesOldOrNewAfterEachFailure) {
 TEST(Save, TellsEachFailureOfTheDisk) {
   const TempFolder folder;
   const std::string path = folder / "f";
-  for (const auto& [call, k] : {std::pair{Call::kWrite, 1u},
-                                {Call::kChmod, 1u},
-                                {Call::kSync, 1u},
-                                {Call::kClose, 1u},
-                                {Call::kRename, 1u},
-                                {Call::kSync, 2u}}) {
+  constexpr std::pair<Call, u32> kCalls[] = {{Call::kWrite, 1u}, {Call::kChmod, 1u},  {Call::kSync, 1u},
+                                             {Call::kClose, 1u}, {Call::kRename, 1u}, {Call::kSync, 2u}};
+  for (const auto& [call, k] : kCalls) {
     writeFile(path, "old");
     LogText log;
     const faults::FailCall fault(call, k, false, {Fault::kError, EIO});

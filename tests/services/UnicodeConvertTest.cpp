@@ -112,13 +112,10 @@ Converted byName(const char* name, s32 to, std::string_view text) {
 }
 
 TEST(Unicode, NamesWithoutAByteOrderGoByTheMark) {
-  for (const auto& [name, hex] : {std::pair{"UTF-16", "FEFF 0041"},
-                                  {"utf-16", "FFFE 4100"},
-                                  {"utf-16", "4100"},
-                                  {"utf-32", "0000FEFF 00000041"},
-                                  {"utf-32", "41000000"},
-                                  {"utf-16be", "0041"},
-                                  {" Latin1 ", "41"}})
+  constexpr std::pair<const char*, const char*> kLabelled[] = {
+      {"UTF-16", "FEFF 0041"}, {"utf-16", "FFFE 4100"}, {"utf-16", "4100"}, {"utf-32", "0000FEFF 00000041"},
+      {"utf-32", "41000000"},  {"utf-16be", "0041"},    {" Latin1 ", "41"}};
+  for (const auto& [name, hex] : kLabelled)
     EXPECT_EQ(byName(name, 65001, fromHex(hex)), (Converted{"A", true})) << name << hex;
   EXPECT_EQ(byName("nothing", 65001, "A"), (Converted{"", false}));
 }
