@@ -4,14 +4,12 @@
 namespace faults {
 namespace {
 
-using vk_codec::TextCodec;
+using enum vk_codec::TextCodec;
 
 /// What a caller would write for a row of the table of names.
 std::string nameOf(const vk_codec::EncodingName& row) {
   const std::string name(row.name);
-  return row.match == vk_codec::NameMatch::whole   ? name
-         : row.codec == TextCodec::quotedPrintable ? name + "40"
-                                                   : name + "print";
+  return row.match == vk_codec::NameMatch::whole ? name : row.codec == quotedPrintable ? name + "40" : name + "print";
 }
 
 /// Text that every encoding carries there and back: no zero byte, valid UTF-8, much to escape.
@@ -26,14 +24,12 @@ std::string encoded(const std::string& name, const std::string& bytes) {
 }
 
 // Their encoders answer true whatever became of the appends.
-const std::set<TextCodec> kEncodeAlwaysTrue = {TextCodec::hex,        TextCodec::hexLower,   TextCodec::fingerprint,
-                                               TextCodec::urlRfc3986, TextCodec::urlRfc1738, TextCodec::urlRfc2396,
-                                               TextCodec::decimal};
+const std::set<vk_codec::TextCodec> kEncodeAlwaysTrue = {hex,        hexLower,   fingerprint, urlRfc3986,
+                                                         urlRfc1738, urlRfc2396, decimal};
 // Their decoders do, or answer by their last step alone; those of Base64 where bytes were held before.
-const std::set<TextCodec> kDecodeAlwaysTrue = {
-    TextCodec::base64,     TextCodec::base64Mime, TextCodec::base64CrEntity, TextCodec::base64Cr13Entity,
-    TextCodec::base64Url,  TextCodec::modBase64,  TextCodec::fingerprint,    TextCodec::decList,
-    TextCodec::urlRfc3986, TextCodec::urlRfc1738, TextCodec::urlRfc2396,     TextCodec::json};
+const std::set<vk_codec::TextCodec> kDecodeAlwaysTrue = {base64,     base64Mime, base64CrEntity, base64Cr13Entity,
+                                                         base64Url,  modBase64,  fingerprint,    decList,
+                                                         urlRfc3986, urlRfc1738, urlRfc2396,     json};
 
 }  // namespace
 
