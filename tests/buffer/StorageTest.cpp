@@ -35,7 +35,7 @@ TEST(Storage, GrowsByTheStepOfItsSize) {
     return b.getBufSize();
   };
   u32 last = 20'000;
-  for (const u32 step : {50'000, 100'000, 1'000'000, 2'000'000, 3'000'000, 4'000'000, 8'000'000, 12'000'000}) {
+  for (const u32 step : {50'000u, 100'000u, 1'000'000u, 2'000'000u, 3'000'000u, 4'000'000u, 8'000'000u, 12'000'000u}) {
     EXPECT_EQ(capacityAfter(step - 1, 1), step - 1 + std::exchange(last, step));
     EXPECT_EQ(capacityAfter(step, 1), 2 * step);
   }
