@@ -1,3 +1,5 @@
+#include <functional>
+
 #include "tests/support/Test.h"
 
 namespace {
@@ -54,14 +56,19 @@ TEST(Hex, RendersLines) {
 
 TEST(Hex, GoesAsFarAsMemoryDoes) {
   const std::string bytes = randomBytes(1000);
-  for (const bool colons : {false, true}) {
+  DataBuffer source = bufferOf(bytes);
+  const std::pair<std::string, std::function<void(StringBuffer&)>> forms[] = {
+      {hexOf(bytes, false), [&](StringBuffer& out) { DataBuffer::toHexString2(bytesOf(bytes), 1000, false, out); }},
+      {hexOf(bytes, true), [&](StringBuffer& out) { DataBuffer::toHexString2(bytesOf(bytes), 1000, true, out); }},
+      {linesOf(bytes, 50), [&](StringBuffer& out) { source.toHexLines(out, 50); }}};
+  for (const auto& [whole, render] : forms) {
     StringBuffer out;
     ASSERT_TRUE(out.getAppendPtr(900));
     {
       const faults::FailAllocation fail(1, true);
-      DataBuffer::toHexString2(bytesOf(bytes), countOf(bytes), colons, out);
+      render(out);
     }
-    EXPECT_TRUE(hexOf(bytes, colons).starts_with(textOf(out)) && out.getSize() > 400) << out.getSize();
+    EXPECT_TRUE(whole.starts_with(textOf(out)) && out.getSize() > 400) << out.getSize();
   }
 }
 

@@ -47,6 +47,14 @@ TEST(StringBuffer, Edits) {
   }
 }
 
+TEST(StringBuffer, EscapesForJson) {
+  StringBuffer text("a\"b\\\n/"), plain("plain \xC3\xA9");
+  const char* const block = plain.getString();
+  EXPECT_TRUE(text.jsonEscape() && plain.jsonEscape());
+  EXPECT_STREQ(text.getString(), R"(a\"b\\\n/)");
+  EXPECT_TRUE(plain.getString() == block && plain.equals("plain \xC3\xA9"));
+}
+
 TEST(StringBuffer, Compares) {
   const StringBuffer s("Base64"), empty;
   EXPECT_TRUE(s.equals("Base64") && s.equalsIgnoreCase("bASE64") && s.equalsIgnoreCase2("base64url", 6) &&

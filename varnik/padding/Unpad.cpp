@@ -19,7 +19,7 @@ bool DataBuffer::unpadAfterDecryption(s32 scheme, s32 blockSize, LogBase&) {
   if (size_ == 0 || !data_ || (scheme != 0 && scheme != 1)) return true;
   const u8 padLen = lastByte();
   if (padLen == 0 || padLen > static_cast<u32>(blockSize)) return true;
-  if (scheme == 0 && padLen >= 2 && (size_ < padLen || !endsInRun(data_, size_, padLen, padLen))) return true;
+  if (scheme == 0 && (size_ < padLen || !endsInRun(data_, size_, padLen, padLen))) return true;
   size_ = size_ < padLen ? 0 : size_ - padLen;
   return true;
 }
