@@ -192,6 +192,8 @@ TEST(Kernels, Escapes) {
                                      kAny, eachOf("\x05\x0B")};
   hold(VARNIK_FORMS(copyRun), {eachOf("147:=@Cabc"), eachOf("147:=")}, "1",
        [](auto* run, const u8* data, u32 n) { return into(n, [&](u8* out) { return run(kOdd, data, n, out); }); });
+  hold(VARNIK_FORMS(membersAmong), {kAny}, "1",
+       [](auto* run, const u8* data, u32 n) { return std::to_string(run(kOdd, data, n)); });
   hold(VARNIK_FORMS(escapeBytes), texts, "a", [](auto* run, const u8* data, u32 n) {
     return into(n * 6 + 8, [&](u8* out) { return run(kTable, data, n, out); });
   });

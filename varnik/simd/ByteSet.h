@@ -14,8 +14,8 @@ struct ByteSet {
   constexpr bool has(u8 b) const { return (low[b & 15] & high[b >> 4]) != 0; }
 };
 
-/// Makes the set of the bytes for which `has(b)` is true. There is room for 8 kinds of rows: a set that has more does
-/// not compile.
+/// Makes the set of the bytes for which `has(b)` is true. There is room for 8 kinds of rows: a constant set that has
+/// more does not compile. One that is made at run time must not have more; bytes from 0x80 on alone cannot.
 template <class Predicate>
 constexpr ByteSet byteSetOf(Predicate has) {
   ByteSet set{};
@@ -42,6 +42,14 @@ u32 copyRun(const ByteSet& set, const u8* from, u32 n, u8* out);
 u32 copyRunScalar(const ByteSet& set, const u8* from, u32 n, u8* out);
 #if VARNIK_HAVE_AVX2
 u32 copyRunAvx2(const ByteSet& set, const u8* from, u32 n, u8* out);
+#endif
+
+/// Returns one bit for each of the first 64, or `n`, bytes, the lowest for the first: 1 for those in the set.
+u64 membersAmong(const ByteSet& set, const u8* bytes, u32 n);
+
+u64 membersAmongScalar(const ByteSet& set, const u8* bytes, u32 n);
+#if VARNIK_HAVE_AVX2
+u64 membersAmongAvx2(const ByteSet& set, const u8* bytes, u32 n);
 #endif
 
 }  // namespace vk_simd

@@ -20,11 +20,15 @@ u16 unitOf(IcuConverter& icu, const u8* bytes, u32 n) {
 
 bool DoubleByteTable::fillSingles(const char* converter) {
   IcuConverter icu(converter);
-  for (u32 i = 0; i < 0x80; ++i) {
-    const u8 byte = static_cast<u8>(0x80 | i);
-    const u16 unit = unitOf(icu, &byte, 1);
-    single_[i] = unit == kNoCharacter ? kNoPair : unit;
+  for (u32 i = 0; i < kRow; ++i) {
+    const u8 byte = static_cast<u8>(i);
+    const u16 unit = i < 0x80 ? u16{byte} : unitOf(icu, &byte, 1);
+    units_[kNoRow + i] = kNoPair;
+    units_[kSingles + i] = unit == kNoCharacter ? kNoPair : unit;
+    rows_[i].store(units_[kSingles + i] == kNoPair ? kNoRow : static_cast<u16>(kSingles + i),
+                   std::memory_order_relaxed);
   }
+  leads_ = vk_simd::byteSetOf([this](u8 b) { return units_[kSingles + b] == kNoPair; });
   return icu.isOpen();
 }
 
@@ -41,17 +45,23 @@ DoubleByteTable* DoubleByteTable::of(const CharsetInfo& charset) {
 }
 
 // The row is filled by whoever asks first; who asks meanwhile gets the one answer from ICU.
-u16 DoubleByteTable::pairOfNewRow(u32 row, u8 second, IcuConverter& icu) {
-  u8 bytes[2] = {static_cast<u8>(0x80 | row), second};
-  u8 state = kUnknown;
-  if (!rows_[row].compare_exchange_strong(state, kFilling, std::memory_order_relaxed)) return unitOf(icu, bytes, 2);
-  for (u32 i = 0; i < 0x100; ++i) {
+u16 DoubleByteTable::pairOfNewRow(u8 first, u8 second, IcuConverter& icu) {
+  u8 bytes[2] = {first, second};
+  const u32 lead = first & (kNumLeads - 1);
+  if (filling_[lead].exchange(true, std::memory_order_acquire)) return unitOf(icu, bytes, 2);
+  u16* const row = units_ + lead * kRow;
+  row[0] = kNoPair;
+  for (u32 i = 1; i < kRow; ++i) {
     bytes[1] = static_cast<u8>(i);
-    units_[row][i] = unitOf(icu, bytes, 2);
+    row[i] = unitOf(icu, bytes, 2);
   }
-  const bool isGood = icu.isOpen();  // without memory nothing is known yet
-  rows_[row].store(isGood ? kReady : kUnknown, std::memory_order_release);
-  return isGood ? units_[row][second] : kNoPair;
+  const u16 unit = row[second];
+  if (!icu.isOpen()) {  // without memory nothing is known yet
+    filling_[lead].store(false, std::memory_order_release);
+    return kNoPair;
+  }
+  rows_[first].store(static_cast<u16>(lead * kRow), std::memory_order_release);
+  return unit;
 }
 
 }  // namespace vk_charset

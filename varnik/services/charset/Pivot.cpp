@@ -1,8 +1,10 @@
 #include "varnik/services/charset/internal/Pivot.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "varnik/simd/AsciiRun.h"
+#include "varnik/simd/ByteSet.h"
 #include "varnik/simd/internal/UtfForms.h"
 
 namespace vk_charset {
@@ -62,45 +64,65 @@ bool SingleByteReader::read(u16* units, u32 room, u32& count) {
   return true;
 }
 
-// Reads the ASCII at `at`: byte by byte while it is short, as between words, and then by blocks.
-u32 DoubleByteReader::readAscii(u32 at, u16* units, u32 room) const {
-  constexpr u32 kShort = 16;
-  const u32 most = std::min(room, n_ - at), few = std::min(most, kShort);
-  const u8* const from = data_ + at;
-  u32 run = 0;
-  for (; run < few && from[run] < 0x80; ++run) units[run] = from[run];
-  if (run != kShort) return run;
-  const u32 rest = vk_simd::asciiRun(from + run, most - run);
-  for (u32 i = 0; i < rest; ++i) units[run + i] = from[run + i];
-  return run + rest;
+constexpr u32 kWorthIt = 16;  // a run of ASCII that has a loop of its own
+
+bool beginsAsciiRun(const u8* bytes) {
+  u64 halves[kWorthIt / 8];
+  std::memcpy(halves, bytes, kWorthIt);
+  return ((halves[0] | halves[1]) & 0x8080808080808080) == 0;
 }
 
-// Reads a character that begins with a byte from 0x80 on.
-inline u16 DoubleByteReader::readCharacter(u32& at) {
+u32 DoubleByteReader::readAscii(u16* units, u32 room) {
+  const u8* const from = data_ + at_;
+  const u32 most = std::min(room, n_ - at_);
+  if (most < kWorthIt || !beginsAsciiRun(from)) return 0;
+  const u32 run = vk_simd::asciiRun(from, most);
+  for (u32 i = 0; i < run; ++i) units[i] = from[i];
+  at_ += run;
+  return run;
+}
+
+// Reads what begins with a lead byte, where the table has no answer yet, or none at all.
+u16 DoubleByteReader::readPair(u32& at) {
   const u8 first = data_[at++];
-  u16 unit = table_.single(first);
-  if (unit == DoubleByteTable::kNoPair && at != n_) {
-    unit = table_.pair(first, data_[at], icu_);
-    at += unit != DoubleByteTable::kNoPair;
-  }
+  const u16 unit = at != n_ ? table_.pair(first, data_[at], icu_) : DoubleByteTable::kNoPair;
+  at += unit != DoubleByteTable::kNoPair;
   if (unit < DoubleByteTable::kNoCharacter) return unit;
   bad_ = true;
   return vk_simd::kReplacement;
 }
 
-bool DoubleByteReader::read(u16* units, u32 room, u32& count) {
-  u32 at = at_, done = 0;
-  while (done != room && at != n_) {
-    if (data_[at] >= 0x80) {
-      units[done++] = readCharacter(at);
-      continue;
+// Reads the characters that begin in the next 64 bytes, or up to a run of ASCII. Which bytes could begin a pair is
+// found for all of them at once, so that a character waits for the one before by two operations only, and no branch has
+// to guess the mixture.
+u32 DoubleByteReader::readBlock(u16* units, u32 room) {
+  const DoubleByteTable& table = table_;
+  const u8* const bytes = data_ + at_;
+  const u32 left = n_ - at_, end = std::min({left, room, 64U});
+  const u64 leads = vk_simd::membersAmong(table.leads(), bytes, left);
+  u32 i = 0, done = 0;
+  while (i < end) {
+    if (done % 8 == 7 && i + kWorthIt < end && beginsAsciiRun(bytes + i)) break;
+    const bool isPair = (leads >> i & 1) != 0;
+    u16 unit = table.known(bytes[i], i + 1 != left ? bytes[i + 1] : u8{0}, isPair);
+    i += 1 + u32{isPair};
+    if (unit >= DoubleByteTable::kNoCharacter) [[unlikely]] {
+      u32 at = at_ + i - 2;
+      unit = readPair(at);
+      i = at - at_;
     }
-    const u32 run = readAscii(at, units + done, room - done);
-    at += run;
-    done += run;
+    units[done++] = unit;
   }
-  at_ = at;
-  count = done;
+  at_ += i;
+  return done;
+}
+
+bool DoubleByteReader::read(u16* units, u32 room, u32& count) {
+  count = 0;
+  while (count != room && at_ != n_) {
+    count += readAscii(units + count, room - count);
+    if (count != room && at_ != n_) count += readBlock(units + count, room - count);
+  }
   return true;
 }
 

@@ -5,6 +5,7 @@
 
 #include "varnik/services/charset/internal/CharsetTable.h"
 #include "varnik/services/charset/internal/IcuConverter.h"
+#include "varnik/simd/ByteSet.h"
 
 namespace vk_charset {
 
@@ -18,25 +19,32 @@ class DoubleByteTable {
   /// for the lifetime of the process. Any thread may call.
   static DoubleByteTable* of(const CharsetInfo& charset);
 
-  /// Returns the unit of a byte from 0x80 on that is a character alone; kNoPair for others.
-  u16 single(u8 byte) const { return single_[byte & 0x7F]; }
-  /// Returns the unit of a pair whose first byte is from 0x80 on. `icu` is a converter of the charset.
+  /// Returns the bytes that are no character alone.
+  const vk_simd::ByteSet& leads() const { return leads_; }
+  /// Returns the unit of a character as far as the table is filled: of `first` alone, or of the pair where `isPair`,
+  /// which says that `first` is one of the leads. Where it is not filled, and for a `second` of 0, kNoPair.
+  u16 known(u8 first, u8 second, bool isPair) const {
+    return units_[rows_[first].load(std::memory_order_acquire) + (second & (0U - u32{isPair}))];
+  }
+  /// The same for a pair that begins with one of the leads, filling the table where it has to. `icu` is a converter of
+  /// the charset.
   u16 pair(u8 first, u8 second, IcuConverter& icu) {
-    const u32 row = first & 0x7F;
-    if (rows_[row].load(std::memory_order_acquire) == kReady) return units_[row][second];
-    return pairOfNewRow(row, second, icu);
+    return isFilled(first) ? known(first, second, true) : pairOfNewRow(first, second, icu);
   }
 
  private:
-  enum State : u8 { kUnknown, kFilling, kReady };
+  static constexpr u32 kNumLeads = 0x80, kRow = 0x100;
+  static constexpr u16 kNoRow = kNumLeads * kRow, kSingles = kNoRow + kRow;
 
+  bool isFilled(u8 lead) const { return rows_[lead].load(std::memory_order_acquire) != kNoRow; }
   bool fillSingles(const char* converter);
-  u16 pairOfNewRow(u32 row, u8 second, IcuConverter& icu);
+  u16 pairOfNewRow(u8 first, u8 second, IcuConverter& icu);
 
-  std::atomic<s32> id_;         // the charset's; 0: the place is free, kTaken: it is being taken
-  std::atomic<u8> rows_[0x80];  // a State a lead byte
-  u16 single_[0x80];
-  u16 units_[0x80][0x100];
+  std::atomic<s32> id_;                   // the charset's; 0: the place is free, kTaken: it is being taken
+  std::atomic<bool> filling_[kNumLeads];  // a row is filled by one thread
+  std::atomic<u16> rows_[kRow];           // by first byte: where its row begins; of a single, where its unit is
+  vk_simd::ByteSet leads_;
+  u16 units_[kSingles + kRow];  // the rows of the leads, a row of kNoPair for those not filled, the singles
 };
 
 }  // namespace vk_charset

@@ -55,8 +55,9 @@ class DoubleByteReader : public UnitReader {
   bool read(u16* units, u32 room, u32& count) override;
 
  private:
-  u32 readAscii(u32 at, u16* units, u32 room) const;
-  u16 readCharacter(u32& at);
+  u32 readAscii(u16* units, u32 room);
+  u32 readBlock(u16* units, u32 room);
+  u16 readPair(u32& at);
 
   DoubleByteTable& table_;
   IcuConverter icu_;  // opened only where the table lacks a row
