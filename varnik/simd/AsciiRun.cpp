@@ -31,6 +31,13 @@ namespace {
   return _mm256_movemask_epi8(_mm256_or_si256(a, b)) != 0;
 }
 
+// Whether 32 to 128 bytes are all ASCII: blocks from either end, which may overlap.
+[[VARNIK_AVX2]] inline bool isAscii(const u8* p, u32 n) {
+  __m256i any = _mm256_or_si256(load(p), load(p + n - 32));
+  if (n > 64) any = _mm256_or_si256(any, _mm256_or_si256(load(p + 32), load(p + n - 64)));
+  return _mm256_movemask_epi8(any) == 0;
+}
+
 }  // namespace
 
 [[VARNIK_AVX2]] u32 asciiRunAvx2(const u8* data, u32 n) {
@@ -38,7 +45,8 @@ namespace {
   u32 i = 0;
   if (n >= kLong && _mm256_movemask_epi8(load(data)) == 0)
     i = 32 - static_cast<u32>(reinterpret_cast<std::uintptr_t>(data) % 32);
-  while (n - i >= 128 && !anyHigh(data + i)) i += 128;
+  while (n - i > 128 && !anyHigh(data + i)) i += 128;
+  if (n - i >= 32 && n - i <= 128 && isAscii(data + i, n - i)) return n;
   for (; n - i >= 32; i += 32)
     if (const u32 high = static_cast<u32>(_mm256_movemask_epi8(load(data + i))); high != 0)
       return i + static_cast<u32>(__builtin_ctz(high));

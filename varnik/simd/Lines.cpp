@@ -1,5 +1,7 @@
 #include "varnik/simd/Lines.h"
 
+#include <algorithm>
+
 #if VARNIK_HAVE_AVX2
 #include <immintrin.h>
 #endif
@@ -77,12 +79,12 @@ namespace {
                                           _mm256_or_si256(wrongPairs(p + 64), wrongPairs(p + 96)));
     if (!_mm256_testz_si256(wrong, wrong)) return true;
   }
-  for (; pairs - i >= 32; i += 32) {
+  if (pairs < 32) return !pairsAgree(data, pairs);
+  for (; pairs - i > 64; i += 32) {
     const __m256i wrong = wrongPairs(data + i);
     if (!_mm256_testz_si256(wrong, wrong)) return true;
   }
-  if (pairs < 32) return !pairsAgree(data, pairs);
-  const __m256i wrong = wrongPairs(data + pairs - 32);
+  const __m256i wrong = _mm256_or_si256(wrongPairs(data + std::min(i, pairs - 32)), wrongPairs(data + pairs - 32));
   return !_mm256_testz_si256(wrong, wrong);
 }
 

@@ -35,20 +35,21 @@ namespace {
     shuffle(data + i, both);
     shuffle(data + i + 32, both);
   }
-  for (; n - i >= 32; i += 32) shuffle(data + i, both);
-  return i;
+  if (n - i < 32) return i;
+  shuffle(data + i, both);
+  return i + 32;
 }
 
 }  // namespace
 
 [[VARNIK_AVX2]] void swapPairsAvx2(u8* data, u32 n) {
   const u32 done = shuffleBlocks(data, n, _mm_setr_epi8(1, 0, 3, 2, 5, 4, 7, 6, 9, 8, 11, 10, 13, 12, 15, 14));
-  swapPairsScalar(data + done, n - done);
+  if (done < n) swapPairsScalar(data + done, n - done);
 }
 
 [[VARNIK_AVX2]] void swapFoursAvx2(u8* data, u32 n) {
   const u32 done = shuffleBlocks(data, n, _mm_setr_epi8(3, 2, 1, 0, 7, 6, 5, 4, 11, 10, 9, 8, 15, 14, 13, 12));
-  swapFoursScalar(data + done, n - done);
+  if (done < n) swapFoursScalar(data + done, n - done);
 }
 #endif
 
