@@ -176,7 +176,7 @@ inline bool equalShort(const u8* a, const u8* b, u32 n) {
 // A half that would pass the end ends there; what it sees again falls on the same bits or is no occurrence. A function
 // for each kind of pattern, as the one that calls nothing keeps all in registers.
 template <bool isShort>
-[[VARNIK_AVX2]] u32 findShort(const u8* data, u32 n, const u8* pattern, u32 m) {
+[[VARNIK_AVX2, gnu::noinline]] u32 findShort(const u8* data, u32 n, const u8* pattern, u32 m) {
   const __m256i first = _mm256_set1_epi8(static_cast<char>(pattern[0]));
   const __m256i last = _mm256_set1_epi8(static_cast<char>(pattern[m - 1]));
   const u8* const ends = data + m - 1;
@@ -195,19 +195,23 @@ template <bool isShort>
   }
 }
 
+// The first candidate, often the only one, is tried before anything is set up.
+[[VARNIK_AVX2, gnu::noinline]] u32 findLong(const u8* data, u32 n, const u8* pattern, u32 m) {
+  const void* hit = std::memchr(data, pattern[0], n - m + 1);
+  if (!hit) return n;
+  const u32 at = static_cast<u32>(static_cast<const u8*>(hit) - data);
+  if (m <= 16 ? equalShort(data + at, pattern, m) : std::memcmp(hit, pattern, m) == 0) return at;
+  return BytesFinder(data, n, pattern, m).nextAvx2(at + 1);
+}
+
 }  // namespace
 
-// The first candidate, often the only one, is tried before anything is set up.
+// Each way is a function of its own, so that none pays for the registers and the stack of another.
 [[VARNIK_AVX2]] u32 findBytesAvx2(const u8* data, u32 n, const u8* pattern, u32 m) {
   constexpr u32 kShort = 256;
   const u32 places = n - m + 1;
-  if (places >= 32 && places <= kShort)
-    return m <= 16 ? findShort<true>(data, n, pattern, m) : findShort<false>(data, n, pattern, m);
-  const void* hit = std::memchr(data, pattern[0], places);
-  if (!hit) return n;
-  const u32 at = static_cast<u32>(static_cast<const u8*>(hit) - data);
-  if (std::memcmp(hit, pattern, m) == 0) return at;
-  return BytesFinder(data, n, pattern, m).nextAvx2(at + 1);
+  if (places < 32 || places > kShort) return findLong(data, n, pattern, m);
+  return m <= 16 ? findShort<true>(data, n, pattern, m) : findShort<false>(data, n, pattern, m);
 }
 #endif
 
