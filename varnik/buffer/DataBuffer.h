@@ -345,7 +345,7 @@ class VARNIK_API DataBuffer : public VarnikObject {
   /// True when a CR or LF stands outside a CR LF pair.
   bool containsBareCRLF() const;
   /// True when a line, its CR and LF not counted, is longer than `maxLen` bytes.
-  bool hasLineLonger(u32 maxLen) const;
+  bool hasLineLonger(u32 maxLen) const { return isValid() && size_ > maxLen && findLongLine(maxLen); }
   /// Returns the first byte equal to `b`, or null.
   u8* findByte(u8 b);
   bool containsChar(char c) const;
@@ -467,6 +467,7 @@ class VARNIK_API DataBuffer : public VarnikObject {
   bool appendSlow(const void* source, u32 n);
   bool appendCharSlow(u8 c);
   bool makeRoomForChars(u32 k);
+  bool findLongLine(u32 maxLen) const;
   bool makeRoom(u32 n);
   bool fits(u64 n) const { return !vk64::TooBigForUnsigned32(static_cast<s64>(size_ + n)); }
   bool ownsAddress(const void* p) const { return data_ && p >= data_ && p < data_ + capacity_; }

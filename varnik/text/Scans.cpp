@@ -10,8 +10,8 @@ bool DataBuffer::containsBareCRLF() const {
 
 // A line is too long when maxLen + 1 bytes from its start on hold no line end. Looking for one from the far end of that
 // stretch back leaves most of the bytes of lines much shorter than maxLen unread.
-bool DataBuffer::hasLineLonger(u32 maxLen) const {
-  if (!isValid() || !data_) return false;
+bool DataBuffer::findLongLine(u32 maxLen) const {
+  if (!data_) return false;
   u32 start = 0, clean = 0;  // data_[start, clean) is known to hold no line end
   while (size_ - start > maxLen) {
     const u32 end = start + maxLen + 1;
