@@ -152,7 +152,7 @@ TEST(Kernels, DecimalLists) {
   Pieces odd(200, "12,");
   for (const char* each : {"256,", "999,", ",", "0001,", " 1,", "1 ,", "1\n", "-1,", "x"}) odd.emplace_back(each);
   for (const u32 divisor : {2u, 3u, 8u})  // room for all, for about as many as there are, and for few
-    hold(VARNIK_FORMS(readDecList), {plain, odd}, "12,3,250,", [=](auto* run, const u8* data, u32 n) {
+    hold(VARNIK_FORMS_512(readDecList), {plain, odd}, "12,3,250,", [=](auto* run, const u8* data, u32 n) {
       return withRead(n / divisor, [&](u8* out) {
         const auto done = run(data, n, out, n / divisor);
         return std::pair(done.chars, done.values);

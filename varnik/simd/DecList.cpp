@@ -202,6 +202,9 @@ u32 putDecList(const u8* from, u32 n, u8* out) {
 }
 
 DecListRun readDecList(const u8* text, u32 n, u8* out, u32 room) {
+#if VARNIK_HAVE_AVX512
+  if (hasAvx512()) return readDecListAvx512(text, n, out, room);
+#endif
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return readDecListAvx2(text, n, out, room);
 #endif

@@ -27,5 +27,8 @@ DecListRun readDecListScalar(const u8* text, u32 n, u8* out, u32 room);
 u32 putDecListAvx2(const u8* from, u32 n, u8* out);
 DecListRun readDecListAvx2(const u8* text, u32 n, u8* out, u32 room);
 #endif
+#if VARNIK_HAVE_AVX512
+DecListRun readDecListAvx512(const u8* text, u32 n, u8* out, u32 room);
+#endif
 
 }  // namespace vk_simd
