@@ -76,6 +76,10 @@ bool utf8ToSingleByte(const SingleByteTable& table, Text text, DataBuffer& out) 
   return !done.bad;
 }
 
+DoubleByteTable* doubleByteTable(const CharsetInfo& charset) {
+  return charset.kind == Kind::kDoubleByte ? DoubleByteTable::of(charset) : nullptr;
+}
+
 bool write(UnitReader& reader, const CharsetInfo& to, DataBuffer& out) {
   if (isUnicode(to.kind)) {
     UtfWriter writer(formOf(to.kind), out);
@@ -86,6 +90,10 @@ bool write(UnitReader& reader, const CharsetInfo& to, DataBuffer& out) {
     const SingleByteTable* const table = singleByteTable(to, scratch);
     if (!table) return false;
     SingleByteWriter writer(*table, out);
+    return pump(reader, writer);
+  }
+  if (DoubleByteTable* const table = doubleByteTable(to)) {
+    DoubleByteWriter writer(*table, to.converter, out);
     return pump(reader, writer);
   }
   IcuWriter writer(to.converter, hasAsciiBytes(to.kind), out);
@@ -126,8 +134,7 @@ bool convertAsciiHead(const CharsetInfo& from, const CharsetInfo& to, Text& text
 
 bool convertByPivot(const CharsetInfo& from, const CharsetInfo& to, Text text, DataBuffer& out) {
   makeRoom(out, text.size);  // about what it will take; where it is not to be had, less may do
-  DoubleByteTable* const table = from.kind == Kind::kDoubleByte ? DoubleByteTable::of(from) : nullptr;
-  if (table) {
+  if (DoubleByteTable* const table = doubleByteTable(from)) {
     DoubleByteReader reader(*table, from.converter, text.data, text.size);
     return write(reader, to, out);
   }

@@ -1,11 +1,8 @@
 #include "varnik/services/charset/internal/Pivot.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "varnik/simd/AsciiRun.h"
-#include "varnik/simd/ByteSet.h"
-#include "varnik/simd/internal/UtfForms.h"
 
 namespace vk_charset {
 namespace {
@@ -64,68 +61,6 @@ bool SingleByteReader::read(u16* units, u32 room, u32& count) {
   return true;
 }
 
-constexpr u32 kWorthIt = 16;  // a run of ASCII that has a loop of its own
-
-bool beginsAsciiRun(const u8* bytes) {
-  u64 halves[kWorthIt / 8];
-  std::memcpy(halves, bytes, kWorthIt);
-  return ((halves[0] | halves[1]) & 0x8080808080808080) == 0;
-}
-
-u32 DoubleByteReader::readAscii(u16* units, u32 room) {
-  const u8* const from = data_ + at_;
-  const u32 most = std::min(room, n_ - at_);
-  if (most < kWorthIt || !beginsAsciiRun(from)) return 0;
-  const u32 run = vk_simd::asciiRun(from, most);
-  for (u32 i = 0; i < run; ++i) units[i] = from[i];
-  at_ += run;
-  return run;
-}
-
-// Reads what begins with a lead byte, where the table has no answer yet, or none at all.
-u16 DoubleByteReader::readPair(u32& at) {
-  const u8 first = data_[at++];
-  const u16 unit = at != n_ ? table_.pair(first, data_[at], icu_) : DoubleByteTable::kNoPair;
-  at += unit != DoubleByteTable::kNoPair;
-  if (unit < DoubleByteTable::kNoCharacter) return unit;
-  bad_ = true;
-  return vk_simd::kReplacement;
-}
-
-// Reads the characters that begin in the next 64 bytes, or up to a run of ASCII. Which bytes could begin a pair is
-// found for all of them at once, so that a character waits for the one before by two operations only, and no branch has
-// to guess the mixture.
-u32 DoubleByteReader::readBlock(u16* units, u32 room) {
-  const DoubleByteTable& table = table_;
-  const u8* const bytes = data_ + at_;
-  const u32 left = n_ - at_, end = std::min({left, room, 64U});
-  const u64 leads = vk_simd::membersAmong(table.leads(), bytes, left);
-  u32 i = 0, done = 0;
-  while (i < end) {
-    if (done % 8 == 7 && i + kWorthIt < end && beginsAsciiRun(bytes + i)) break;
-    const bool isPair = (leads >> i & 1) != 0;
-    u16 unit = table.known(bytes[i], i + 1 != left ? bytes[i + 1] : u8{0}, isPair);
-    i += 1 + u32{isPair};
-    if (unit >= DoubleByteTable::kNoCharacter) [[unlikely]] {
-      u32 at = at_ + i - 2;
-      unit = readPair(at);
-      i = at - at_;
-    }
-    units[done++] = unit;
-  }
-  at_ += i;
-  return done;
-}
-
-bool DoubleByteReader::read(u16* units, u32 room, u32& count) {
-  count = 0;
-  while (count != room && at_ != n_) {
-    count += readAscii(units + count, room - count);
-    if (count != room && at_ != n_) count += readBlock(units + count, room - count);
-  }
-  return true;
-}
-
 u32 IcuReader::readAscii(u16* units, u32 room) {
   if (!asciiBytes_ || !icu_.isBetweenCharacters()) return 0;
   const u32 run = vk_simd::asciiRun(data_ + at_, std::min(room, n_ - at_));
@@ -168,7 +103,7 @@ bool SingleByteWriter::write(const u16* units, u32 n, bool) {
     if (byte == 0 && units[i] != 0) {
       byte = table_.substitute;
       bad_ = true;
-      if (isHighSurrogate(units[i]) && i + 1 < n && (units[i + 1] & 0xFC00) == 0xDC00) ++i;  // one character
+      if (beginsSurrogatePair(units + i, n - i)) ++i;  // one character
     }
     to[written++] = byte;
   }

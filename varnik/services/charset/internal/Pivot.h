@@ -8,6 +8,11 @@
 
 namespace vk_charset {
 
+/// True when units[0, n) begin with a character of two units.
+inline bool beginsSurrogatePair(const u16* units, u32 n) {
+  return n > 1 && (units[0] & 0xFC00) == 0xD800 && (units[1] & 0xFC00) == 0xDC00;
+}
+
 /// Turns a text into UTF-16 units, block after block.
 class UnitReader {
  public:
@@ -115,6 +120,19 @@ class SingleByteWriter : public UnitWriter {
 
  private:
   const SingleByteTable& table_;
+};
+
+class DoubleByteWriter : public UnitWriter {
+ public:
+  DoubleByteWriter(DoubleByteTable& table, const char* converter, DataBuffer& out)
+      : UnitWriter(out), table_(table), icu_(converter) {}
+  bool write(const u16* units, u32 n, bool last) override;
+
+ private:
+  bool findCode(u16 unit, u16& code);
+
+  DoubleByteTable& table_;
+  IcuConverter icu_;  // opened only where the table lacks a row
 };
 
 class IcuWriter : public UnitWriter {
