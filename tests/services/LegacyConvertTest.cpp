@@ -115,6 +115,7 @@ constexpr std::tuple<s32, s32, std::string_view, std::string_view, const char*> 
     {936, 65001, "\xC4", "\uFFFD", "cut off"},
     {51932, 65001, "\x8F\xB0\xA1\x8F\xB0", "\u4E02\uFFFD", "cut off"},
     {54936, 65001, "\x81\x30\x81", "\uFFFD", "cut off"},
+    {54936, 1252, "\x94\x39\xFC\x36z", "?z", "a pair that may come in two blocks"},
     {50220, 65001, "\x1B$BJ8\x1B(B\x1B", "\u6587\uFFFD", "an escape that is cut off"},
     {50220, 65001, "\x1B$BJ8J", "\u6587\uFFFD", "a character that is cut off"},
 };
@@ -133,7 +134,8 @@ TEST(Legacy, SubstitutesAndCarriesOn) {
 TEST(Legacy, ATextThatIsCutKeepsItsWholeCharacters) {
   for (const auto& c : kSamples) {
     std::string whole;
-    while (whole.size() < 150) whole += c.text;  // longer than what is read at once
+    while (whole.size() < 200) whole.append(c.text).append("a run of ASCII");  // longer than what is read at once
+    whole.append("and one that is worth a loop of its own").append(c.text);
     const std::string there = convert(65001, c.page, whole).text;
     for (u32 n = 0; n < there.size(); ++n) {
       Converted got = convert(c.page, 65001, std::string_view(there).substr(0, n));

@@ -94,7 +94,7 @@ void holdTwins(const std::vector<Form<Function>>& forms, const std::vector<Piece
 /// at many places: every seventh, which hits every place of a group, as no group has seven characters.
 template <class Function, class Answer>
 void holdSpoilt(const std::vector<Form<Function>>& forms, const std::string& piece, Answer answer) {
-  constexpr u32 kLength = 128 + 32 + 24;
+  constexpr u32 kLength = 128 + 64 + 32 + 24;
   static GuardedBytes area(kLength);
   const std::string good = repeated(piece, kLength).substr(0, kLength);
   for (u32 at = 0; at < kLength; ++at)
