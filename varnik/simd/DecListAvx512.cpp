@@ -61,7 +61,7 @@ struct Sums {
     const u64 alien = ~(digits | commas), empty = commas & back1, fourth = ~(commas | back1 | back2 | back3);
     const u64 faults = ((alien | fourth) & present) | empty | (sums.over & commas);
     carried = commas;
-    commas &= (faults - 1) & ~faults;  // below the first one
+    commas = _bzhi_u64(commas, static_cast<u32>(_tzcnt_u64(faults)));  // before the first one
     const u32 count = static_cast<u32>(_mm_popcnt_u64(commas));
     if (count > room - done.values) break;
     const __m512i values = _mm512_maskz_compress_epi8(commas, sums.bytes);
