@@ -22,6 +22,7 @@
 #include "varnik/simd/HexUnescape.h"
 #include "varnik/simd/LetterCase.h"
 #include "varnik/simd/Lines.h"
+#include "varnik/simd/QpLines.h"
 #include "varnik/simd/ReplaceByte.h"
 #include "varnik/simd/Reverse.h"
 #include "varnik/simd/SwapBytes.h"
@@ -211,6 +212,22 @@ TEST(Kernels, Escapes) {
            const u32 piece = n - std::min(n, behind);
            std::memset(data + piece, '\n', n - piece);
            return into(n + vk_simd::kHexUnescapeSlack, [&](u8* out) { return run('%', data, piece, n, out); });
+         });
+}
+
+TEST(Kernels, QuotedPrintable) {
+  Pieces words(40, "words "), texts = {"text", " ", "\t", "\r\n", " \r\n", "=", "\xC3\xA4", "\r", "\n"};
+  words.insert(words.end(), {"abc", "z", "\r\n", "\xE2\x80\xA6"});
+  for (const u32 limit : {4u, 63u, 64u, 76u, 200u})  // in two pieces
+    hold(VARNIK_FORMS_512(putQpLines), {texts, words, kAny, {"a"}}, "words \r\n",
+         [=](auto* run, const u8* data, u32 n) {
+           u32 part = n / 3;
+           while (part < n && (data[part] == '\r' || data[part] == '\n')) ++part;
+           return into(vk_simd::qpRoom(n, limit), [&](u8* out) {
+             vk_simd::QpLine line{limit};
+             u8* const end = run(line, data + part, n - part, true, run(line, data, part, false, out));
+             return static_cast<u32>(end - out);
+           });
          });
 }
 
