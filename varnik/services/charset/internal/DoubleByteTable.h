@@ -32,7 +32,7 @@ class DoubleByteTable {
   /// Returns the unit of `first` alone, or where `isPair` of the pair: kNoPair as long as its row is not filled.
   /// `isPair` tells whether `first` is one of the leads.
   u16 unitOf(u8 first, u8 second, bool isPair) const {
-    const u32 cell = u32{begins_[first]} + (second & (0U - u32{isPair}));  // no branch for mixed text to get wrong
+    const u32 cell = u32{begins_[first]} + (isPair ? second : 0U);  // no branch for mixed text to get wrong
     return units_[cell].load(std::memory_order_relaxed);
   }
   /// Fills the row of a lead byte, unless it is, by `icu`, a converter of the charset. False when that has no memory.
