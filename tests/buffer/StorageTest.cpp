@@ -237,7 +237,9 @@ TEST(Storage, TouchesNothingWhereASizeHasNoBlock) {
       },
       [](DataBuffer& b) { return b.lastByte() != 0 || b.firstByte() != 0 || b.byteAt(1) != 0; },
       [&](DataBuffer& b) { return out.appendRange(b, 1, 2), out.appendRange2(b, 1, 2), !out.empty(); },
-      [](DataBuffer& b) { return b.applyMask("x", 1), b.replaceChar('a', 'b'), b.drop_non_usascii(), false; },
+      [](DataBuffer& b) {
+        return b.applyMask("x", 1), b.replaceChar('a', 'b'), b.drop_non_usascii(), b.hasLineLonger(2);
+      },
       [&](DataBuffer& b) { return b.slideTailToFront(2, nowhere), b.equals2("abcde", 5) || b.endsWithStr("de"); },
       [](DataBuffer& b) { return b.dropNullBytes(), b.processRawPopMime(), b.detectObviousCodePage() != -1; },
       [&](DataBuffer& b) { return !b.encodeDB("base64", text) || b.parseDataEnc(at, 2, "hex", text) || at != 1; },

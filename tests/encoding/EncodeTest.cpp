@@ -296,8 +296,13 @@ TEST(RoundTrip, FindsTheWayThroughWhiteSpace) {
 // Long inputs go piece by piece: what ends a line, or may, stands across the border.
 TEST(RoundTrip, CrossesTheBordersOfPieces) {
   for (const char* const name : {"qp-2147483646", "qp", "url", "json"})
-    for (const auto& [before, tail] :
-         {std::pair(0u, " \r\ny"), {1u, "\t\r\ny"}, {2u, " \r\ny"}, {3u, " \r\ny"}, {0u, "\n"}, {0u, "\r"}}) {
+    for (const auto& [before, tail] : {std::pair(0u, " \r\ny"),
+                                       {1u, "\t\r\ny"},
+                                       {2u, " \r\ny"},
+                                       {3u, " \r\ny"},
+                                       {0u, "\n"},
+                                       {0u, "\r"},
+                                       {0u, "\ry"}}) {
       const std::string bytes = std::string((1 << 24) - before, 'x') + tail;
       StringBuffer text;
       DataBuffer back;
