@@ -12,10 +12,13 @@ namespace vk_simd {
 enum class Utf : u8 { k8, k16Le, k16Be, k32Le, k32Be };
 constexpr u32 kUtfForms = 5;
 
+// Too large for two registers: packing it into them would go by way of the stack, where a load of what two stores have
+// written waits for both, longer than 64 bytes of text take.
 struct UtfProgress {
   u32 read;     // bytes of the input that are done: whole characters and bad parts
   u32 written;  // bytes of the output
   bool bad;     // a bad part was among them
+  u64 : 64;
 };
 
 /// Converts data[0, n) to `out`, which has room for `room` bytes, up to the end of the input or to the first character
