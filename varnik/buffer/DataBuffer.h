@@ -54,7 +54,7 @@ class VARNIK_API DataBuffer : public VarnikObject {
   /// Returns a new empty buffer for the caller to delete, or null when memory is exhausted.
   static DataBuffer* createNewObject();
   /// Guarded. True for a live object.
-  bool checkValidityDb() const;
+  bool checkValidityDb() const { return isValid(); }
   /// A hook for diagnostics; does nothing.
   void dumpObject(const char* tag) const;
 
@@ -74,7 +74,9 @@ class VARNIK_API DataBuffer : public VarnikObject {
   /// there and calls `addToSize`; the pointer holds until the buffer changes.
   u8* getAppendPtr(u32 n);
   /// Counts `n` bytes that were written behind the bytes in use; ignored when that would pass the capacity.
-  void addToSize(u32 n);
+  void addToSize(u32 n) {
+    if (n <= capacity_ - size_) size_ += n;
+  }
   /// Gives back all but 4 bytes of the spare capacity, where there is more; the second form only when more than `slack`
   /// bytes are spare. False when the smaller block is not to be had.
   bool minimizeMemoryUsage();
@@ -108,7 +110,10 @@ class VARNIK_API DataBuffer : public VarnikObject {
   // ---- Clearing: buffer/Storage.cpp ----
 
   /// Empties the buffer. Owned storage is kept for reuse, borrowed storage forgotten.
-  void clear();
+  void clear() {
+    size_ = 0;
+    if (borrowed_) install(nullptr, 0, 0, false);
+  }
   /// Zeroes the bytes in use, then empties the buffer; the storage stays, a borrowed one too.
   void secureClear();
   /// Zeroes the bytes in use, then lets the storage go.

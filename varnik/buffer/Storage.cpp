@@ -68,10 +68,6 @@ bool DataBuffer::reportDamage() const {
   return false;
 }
 
-bool DataBuffer::checkValidityDb() const {
-  return isValid();
-}
-
 void DataBuffer::dumpObject(const char*) const {}
 
 // ---- Storage and growth ----
@@ -118,10 +114,6 @@ u8* DataBuffer::getAppendPtr(u32 n) {
   return wanted <= kMost && ensureBuffer(static_cast<u32>(wanted)) && data_ ? data_ + size_ : nullptr;
 }
 
-void DataBuffer::addToSize(u32 n) {
-  if (n <= capacity_ - size_) size_ += n;
-}
-
 bool DataBuffer::minimizeMemoryUsage() {
   return capacity_ <= u64{size_} + 4 || reallocate(size_ + 4);
 }
@@ -144,11 +136,6 @@ u32 DataBuffer::calcSegmentSize(u32 start, u32 len) const {
 }
 
 // ---- Clearing ----
-
-void DataBuffer::clear() {
-  size_ = 0;
-  if (borrowed_) install(nullptr, 0, 0, false);
-}
 
 void DataBuffer::secureClear() {
   if (data_) vk_memset(data_, 0, size_);

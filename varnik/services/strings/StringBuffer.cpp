@@ -98,18 +98,10 @@ bool StringBuffer::appendCharN(char c, u32 n) {
   return true;
 }
 
-char* StringBuffer::getAppendPtr(u32 n) {
-  return makeRoom(n) ? data_ + size_ : nullptr;
-}
-
 void StringBuffer::clear() {
   release();
   data_ = nullptr;
   size_ = capacity_ = 0;
-}
-
-void StringBuffer::weakClear() {
-  if (data_) setEnd(0);
 }
 
 void StringBuffer::secureClear() {

@@ -51,7 +51,7 @@ class VARNIK_API StringBuffer {
 
   /// Makes room for `n` more bytes and returns where they go, or null on failure; the size does not change. The
   /// producer writes there and calls `addToSize`. The pointer holds until the string changes.
-  char* getAppendPtr(u32 n);
+  char* getAppendPtr(u32 n) { return n < capacity_ - size_ || makeRoom(n) ? data_ + size_ : nullptr; }
   /// Counts `n` bytes written behind the content. REQUIRES: `getAppendPtr` gave room for them.
   void addToSize(u32 n) { setEnd(size_ + n); }
 
@@ -60,7 +60,9 @@ class VARNIK_API StringBuffer {
   /// Empties the string and releases its memory.
   void clear();
   /// Empties the string; the memory is kept.
-  void weakClear();
+  void weakClear() {
+    if (data_) setEnd(0);
+  }
   /// Overwrites the content with zeros, then empties the string; the memory is kept.
   void secureClear();
   /// Drops the last `n` characters, all of them when there are fewer.
