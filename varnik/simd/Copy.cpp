@@ -8,12 +8,6 @@
 
 namespace vk_simd {
 
-bool isSlowCopy(const u8* to, const u8* from, u32 n) {
-  constexpr u32 kLeast = 2 * 1024, kMost = 512 * 1024, kPage = 4096;
-  const auto behind = (reinterpret_cast<std::uintptr_t>(to) - reinterpret_cast<std::uintptr_t>(from)) % kPage;
-  return n >= kLeast && n <= kMost && behind - 1 < 31;
-}
-
 #if VARNIK_HAVE_AVX2
 // Both loads of a step stand before its stores: compilers take a loop of one load and one store for a memcpy, and turn
 // it into a call of the very function that is avoided here.
@@ -28,12 +22,5 @@ bool isSlowCopy(const u8* to, const u8* from, u32 n) {
   if (i < n) std::memcpy(to + i, from + i, n - i);
 }
 #endif
-
-void copyBytes(u8* to, const u8* from, u32 n) {
-#if VARNIK_HAVE_AVX2
-  if (isSlowCopy(to, from, n) && hasAvx2()) return copyBytesAvx2(to, from, n);
-#endif
-  if (n != 0) std::memcpy(to, from, n);
-}
 
 }  // namespace vk_simd

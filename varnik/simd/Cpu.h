@@ -36,6 +36,13 @@ inline bool hasAvx2() {
 #endif
 }
 
+#if VARNIK_HAVE_AVX2
+/// Returns true when AMD made the processor.
+inline bool isAmd() {
+  return __builtin_cpu_is("amd") != 0;
+}
+#endif
+
 /// Returns true when the processor has AVX-512 with the byte permutations that came after its first generations, whose
 /// clock its use lowered. All that do count leading zeros, too.
 inline bool hasAvx512() {
