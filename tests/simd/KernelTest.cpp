@@ -23,6 +23,7 @@
 #include "varnik/simd/LetterCase.h"
 #include "varnik/simd/Lines.h"
 #include "varnik/simd/QpLines.h"
+#include "varnik/simd/QpText.h"
 #include "varnik/simd/ReplaceByte.h"
 #include "varnik/simd/Reverse.h"
 #include "varnik/simd/SwapBytes.h"
@@ -229,6 +230,22 @@ TEST(Kernels, QuotedPrintable) {
              return static_cast<u32>(end - out);
            });
          });
+}
+
+TEST(Kernels, QuotedPrintableRead) {
+  auto forms = formsOf(vk_simd::readQpText, vk_simd::readQpTextByLine, vk_simd::readQpTextByLine);
+#if VARNIK_HAVE_AVX512
+  forms = with512(forms, vk_simd::readQpTextAvx512);
+#endif
+  Pieces text(60, "abc d"), breaks(30, "abcd"), blanks(20, "          ");
+  for (const char* each : {"=20", "=e4", "=", "==", "=4", "\r", "\n", "\r\n", "=\r\n", "=\n", " =\r\n"})
+    text.emplace_back(each);
+  for (const char* each : {"=\r\n", "=\n", "= \r\n", "=\r", "\r\n", " \n", "=41"}) breaks.emplace_back(each);
+  for (const char* each : {"a", "=", "\t\r\n"}) blanks.emplace_back(each);
+  hold(forms, {text, breaks, blanks, {"=41"}, {"=\r\n"}, kAny}, "a =\r\nb=3D\r\n",
+       [](auto* run, const u8* data, u32 n) {
+         return into(n + vk_simd::kQpTextSlack, [&](u8* out) { return run(data, n, out); });
+       });
 }
 
 // ---- Bytes ----
