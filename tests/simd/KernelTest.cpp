@@ -147,7 +147,7 @@ TEST(Kernels, Ascii85) {
 }
 
 TEST(Kernels, DecimalLists) {
-  holdTwins(VARNIK_FORMS(putDecList), {kAny}, [](auto* run, const u8* data, u32 n) {
+  holdTwins(VARNIK_FORMS_512(putDecList), {kAny}, [](auto* run, const u8* data, u32 n) {
     return into(n * 4 + vk_simd::kDecListSlack, [&](u8* out) { return run(data, n, out); });
   });
   const Pieces plain = {"0,", "7,", "10,", "99,", "100,", "199,", "249,", "255,", "200,", "26,"};

@@ -195,6 +195,9 @@ constexpr u32 kMostValues = 32;          // a value takes two characters at leas
 #endif
 
 u32 putDecList(const u8* from, u32 n, u8* out) {
+#if VARNIK_HAVE_AVX512
+  if (hasAvx512()) return putDecListAvx512(from, n, out);
+#endif
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return putDecListAvx2(from, n, out);
 #endif

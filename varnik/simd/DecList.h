@@ -28,6 +28,7 @@ u32 putDecListAvx2(const u8* from, u32 n, u8* out);
 DecListRun readDecListAvx2(const u8* text, u32 n, u8* out, u32 room);
 #endif
 #if VARNIK_HAVE_AVX512
+u32 putDecListAvx512(const u8* from, u32 n, u8* out);
 DecListRun readDecListAvx512(const u8* text, u32 n, u8* out, u32 room);
 #endif
 

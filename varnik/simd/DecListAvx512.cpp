@@ -1,4 +1,5 @@
-// The AVX-512 form of reading decimal lists: digits are weighed where they stand, all 64 places as if a value ended
+// The AVX-512 forms of decimal lists. Writing: each value is spread to three digits and a comma, of which those that it
+// has are moved together. Reading: digits are weighed where they stand, all 64 places as if a value ended
 // there, and those sums that stand at commas are moved together. No block waits for where the one before it ended.
 #include "varnik/simd/DecList.h"
 
@@ -42,7 +43,47 @@ struct Sums {
           _mm512_cmpgt_epi8_mask(behind, looked(kMostBehind, hundreds))};
 }
 
+// Sixteen values as "ddd," each, and which of the characters they have.
+struct Spread {
+  __m512i text;
+  u64 present;
+};
+
+[[VARNIK_AVX512]] inline Spread spreadOf(__m128i bytes) {
+  // The dividends fit 16 bits: 205 / 2^11 and 41 / 2^12 divide what is below 256 by 10 and by 100.
+  const __m512i values = _mm512_maskz_cvtepu8_epi32(0xFFFF, bytes), ten = _mm512_set1_epi32(10);
+  const __m512i tenths = _mm512_maskz_srli_epi32(0xFFFF, _mm512_mullo_epi16(values, _mm512_set1_epi32(205)), 11);
+  const __m512i hundreds = _mm512_maskz_srli_epi32(0xFFFF, _mm512_mullo_epi16(values, _mm512_set1_epi32(41)), 12);
+  const __m512i units = _mm512_sub_epi16(values, _mm512_mullo_epi16(tenths, ten));
+  const __m512i tens = _mm512_sub_epi16(tenths, _mm512_mullo_epi16(hundreds, ten));
+  const __m512i lower = _mm512_or_si512(hundreds, _mm512_slli_epi16(tens, 8));
+  const __m512i text = _mm512_or_si512(lower, _mm512_maskz_slli_epi32(0xFFFF, units, 16));
+  const __m512i fourTimes = _mm512_mullo_epi16(_mm512_or_si512(values, _mm512_maskz_slli_epi32(0xFFFF, values, 16)),
+                                               _mm512_set1_epi16(0x0101));
+  return {_mm512_add_epi8(text, _mm512_set1_epi32(0x2C303030)),
+          _mm512_cmpge_epu8_mask(fourTimes, _mm512_set1_epi32(0x00000A64))};
+}
+
 }  // namespace
+
+[[VARNIK_AVX512]] u32 putDecListAvx512(const u8* from, u32 n, u8* out) {
+  constexpr u32 kValues = 16;
+  u8* p = out;
+  u32 i = 0;
+  for (; n - i >= kValues; i += kValues) {
+    const Spread block = spreadOf(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from + i)));
+    _mm512_storeu_si512(p, _mm512_maskz_compress_epi8(block.present, block.text));
+    p += _mm_popcnt_u64(block.present);
+  }
+  if (i < n) {
+    const Spread block = spreadOf(_mm_maskz_loadu_epi8(static_cast<__mmask16>(_bzhi_u32(0xFFFF, n - i)), from + i));
+    const u64 present = _bzhi_u64(block.present, 4 * (n - i));
+    const u32 count = static_cast<u32>(_mm_popcnt_u64(present));
+    _mm512_mask_storeu_epi8(p, _bzhi_u64(~u64{0}, count), _mm512_maskz_compress_epi8(present, block.text));
+    p += count;
+  }
+  return static_cast<u32>(p - out);
+}
 
 // The first values go singly, so that each block may be seen from three characters before it, and a list with blanks
 // costs no block for each of its values.

@@ -47,10 +47,14 @@ class Reader {
     return end;
   }
 
-  bool isPair(u32 feed) const { return feed > i_ && text_[feed - 1] == '\r'; }
+  bool isPair(u32 feed) const {
+    return feed > i_ && text_[feed - 1] == '\r';
+  }
 
   // Where what is left of the line that the LF at `feed` ends has its content's end.
-  u32 contentEnd(u32 feed) const { return withoutBlanks(isPair(feed) ? feed - 1 : feed); }
+  u32 contentEnd(u32 feed) const {
+    return withoutBlanks(isPair(feed) ? feed - 1 : feed);
+  }
 
   void lineBreak(u32 feed) {
     if (isPair(feed)) *to_++ = '\r';
@@ -76,7 +80,9 @@ class Reader {
     }
   }
 
-  void put(u32 end) { to_ += unescapeHex('=', text_ + i_, end - i_, n_ - i_, to_); }
+  void put(u32 end) {
+    to_ += unescapeHex('=', text_ + i_, end - i_, n_ - i_, to_);
+  }
 
   const u8* text_;
   u32 n_, i_ = 0;
