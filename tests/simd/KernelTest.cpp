@@ -332,8 +332,9 @@ std::string hitsOf(const u8* data, u32 n) {
 
 TEST(Kernels, Scans) {
   const auto number = [](auto* run, const u8* data, u32 n) { return std::to_string(run(data, n)); };
-  hold(VARNIK_FORMS(asciiRun), {eachOf("a\x7F")}, "\x7F", number);
-  hold(VARNIK_FORMS(hasBareLineEnd), {{"abc", "\r\n"}, {"abc"}}, "xyz\r\n", number);
+  hold(VARNIK_FORMS_512(asciiRun), {eachOf("a\x7F"), {std::string(200, 'a'), std::string(400, 'a'), "\x80"}}, "\x7F",
+       number);
+  hold(VARNIK_FORMS_512(hasBareLineEnd), {{"abc", "\r\n"}, {"abc"}}, "xyz\r\n", number);
   hold(VARNIK_FORMS(oddBytesAreZero), {{std::string("a\0", 2)}}, std::string("a\0", 2), number);
   const auto hits = formsOf(hitsOf<true>, hitsOf<false>, hitsOf<true>);
   hold(hits, {eachOf("ab."), eachOf("."), eachOf("abcdefghijklmnopqrstuvwxyzabcdefghijklm.")}, "a",
@@ -370,7 +371,7 @@ TEST(Kernels, LetterCase) {
     EXPECT_EQ(count % 16, 0u);
     return stringAt(data, n) + std::to_string(count);
   };
-  for (const auto& forms : {VARNIK_FORMS(upperBlocks), VARNIK_FORMS(lowerBlocks)})
+  for (const auto& forms : {VARNIK_FORMS_512(upperBlocks), VARNIK_FORMS_512(lowerBlocks)})
     for (const char16_t good : {u'a', u'\u00E9', u'\u03C3', u'\u0434', u'\u4E2D'})
       hold(forms, {known, few}, unitsOf({&good, 1}), map);
 }

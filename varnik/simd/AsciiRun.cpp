@@ -54,7 +54,26 @@ namespace {
 }
 #endif
 
+#if VARNIK_HAVE_AVX512
+// Long runs only, whole cache lines at a time.
+[[VARNIK_AVX512]] u32 asciiRunAvx512(const u8* data, u32 n) {
+  constexpr u32 kLine = 64, kBlock = 4 * kLine, kWorth = 2 * kBlock;
+  if (n < kWorth || _mm512_movepi8_mask(_mm512_loadu_si512(data)) != 0) return asciiRunAvx2(data, n);
+  u32 i = kLine - static_cast<u32>(reinterpret_cast<std::uintptr_t>(data) % kLine);
+  for (; n - i >= kBlock; i += kBlock) {
+    const u8* const p = data + i;
+    const __m512i a = _mm512_or_si512(_mm512_load_si512(p), _mm512_load_si512(p + kLine));
+    const __m512i b = _mm512_or_si512(_mm512_load_si512(p + 2 * kLine), _mm512_load_si512(p + 3 * kLine));
+    if (_mm512_movepi8_mask(_mm512_or_si512(a, b)) != 0) break;
+  }
+  return i + asciiRunAvx2(data + i, n - i);
+}
+#endif
+
 u32 asciiRun(const u8* data, u32 n) {
+#if VARNIK_HAVE_AVX512
+  if (hasAvx512()) return asciiRunAvx512(data, n);
+#endif
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return asciiRunAvx2(data, n);
 #elif VARNIK_HAVE_NEON

@@ -14,5 +14,8 @@ u32 asciiRunAvx2(const u8* data, u32 n);
 #elif VARNIK_HAVE_NEON
 u32 asciiRunNeon(const u8* data, u32 n);
 #endif
+#if VARNIK_HAVE_AVX512
+u32 asciiRunAvx512(const u8* data, u32 n);
+#endif
 
 }  // namespace vk_simd

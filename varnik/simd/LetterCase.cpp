@@ -29,8 +29,8 @@ struct Range {
 constexpr Range kKnown[] = {{0x0000, 0x00FF}, {0x0386, 0x03CE}, {0x0400, 0x045F},
                             {0x2000, 0x20FF}, {0x2E80, 0xA63F}, {0xAC00, 0xFAFF}};
 
-// What is added to units modulo 2^16. Where a unit is in two ranges the values are combined by XOR, so that one unit
-// inside a range can be taken out of it or differ.
+// What is added to units modulo 2^16. Where a unit is in two ranges both values are, so that one unit inside a range
+// can be taken out of it or differ.
 struct Change {
   Range units;
   u32 add;
@@ -40,20 +40,20 @@ struct Change {
 constexpr Change kUpper[] = {{{'a', 'z'}, -32},
                              {{0xB5, 0xB5}, 0x39C - 0xB5},
                              {{0xE0, 0xFE}, -32},
-                             {{0xF7, 0xF7}, -32},  // the division sign stays
+                             {{0xF7, 0xF7}, 32},  // the division sign stays
                              {{0xFF, 0xFF}, 0x178 - 0xFF},
                              {{0x3AC, 0x3AC}, -38},
                              {{0x3AD, 0x3AF}, -37},
                              {{0x3B1, 0x3CB}, -32},
-                             {{0x3C2, 0x3C2}, -32 ^ -31},  // final sigma
+                             {{0x3C2, 0x3C2}, 1},  // final sigma
                              {{0x3CC, 0x3CC}, -64},
                              {{0x3CD, 0x3CE}, -63},
                              {{0x430, 0x44F}, -32},
                              {{0x450, 0x45F}, -80}};
 constexpr Change kLower[] = {
-    {{'A', 'Z'}, 32},     {{0xC0, 0xDE}, 32},   {{0xD7, 0xD7}, 32},  // the multiplication sign stays
+    {{'A', 'Z'}, 32},     {{0xC0, 0xDE}, 32},   {{0xD7, 0xD7}, -32},  // the multiplication sign stays
     {{0x386, 0x386}, 38}, {{0x388, 0x38A}, 37}, {{0x38C, 0x38C}, 64},
-    {{0x38E, 0x38F}, 63}, {{0x391, 0x3AB}, 32}, {{0x3A2, 0x3A2}, 32},  // no character
+    {{0x38E, 0x38F}, 63}, {{0x391, 0x3AB}, 32}, {{0x3A2, 0x3A2}, -32},  // no character
     {{0x400, 0x40F}, 80}, {{0x410, 0x42F}, 32}};
 
 constexpr bool isIn(u16 unit, Range range) {
@@ -72,7 +72,7 @@ u32 mapBlocks(u8* units, u32 n, std::span<const Change> changes) {
       u16 add = 0;
       for (const Range range : kKnown) known |= isIn(unit, range);
       for (const Change& change : changes)
-        if (isIn(unit, change.units)) add ^= static_cast<u16>(change.add);
+        if (isIn(unit, change.units)) add = static_cast<u16>(add + static_cast<u16>(change.add));
       unit = static_cast<u16>(unit + add);
       allKnown &= known;
     }
@@ -118,7 +118,7 @@ template <u32 kCount>
   __m256i add[kCount] = {};
   for (const Change& each : changes)
     for (u32 i = 0; i < kCount; ++i)
-      add[i] = _mm256_xor_si256(add[i], _mm256_and_si256(isIn(block[i], each.units), spread(each.add)));
+      add[i] = _mm256_add_epi16(add[i], _mm256_and_si256(isIn(block[i], each.units), spread(each.add)));
   for (u32 i = 0; i < kCount; ++i) block[i] = _mm256_add_epi16(block[i], add[i]);
 }
 
@@ -156,13 +156,64 @@ template <u32 kCount>
 }
 #endif
 
+#if VARNIK_HAVE_AVX512
+namespace {
+
+[[VARNIK_AVX512]] inline __m512i spread512(u32 twice) {
+  return _mm512_set1_epi32(static_cast<s32>(twice));
+}
+
+// A bit for each unit of the range.
+[[VARNIK_AVX512]] inline __mmask32 among(__m512i units, Range range) {
+  return _mm512_cmpgt_epi16_mask(spread512(range.limit), _mm512_add_epi16(units, spread512(range.shift)));
+}
+
+// Two blocks at once; false, and nothing changed, when a unit is not known.
+[[VARNIK_AVX512]] inline bool mapTwo(u8* at, std::span<const Change> changes) {
+  const __m512i units = _mm512_loadu_si512(at);
+  if (_mm512_test_epi16_mask(units, spread512(twice(0xFF80))) == 0) {
+    changes = changes.first(1);  // ASCII's letters are the first
+  } else {
+    __mmask32 known = 0;
+    for (const Range range : kKnown) known |= among(units, range);
+    if (known != ~__mmask32{0}) return false;
+  }
+  __m512i mapped = units;
+  for (const Change& each : changes)
+    mapped = _mm512_mask_add_epi16(mapped, among(units, each.units), mapped, spread512(each.add));
+  _mm512_storeu_si512(at, mapped);
+  return true;
+}
+
+[[VARNIK_AVX512]] inline u32 mapBlocksAvx512(u8* units, u32 n, std::span<const Change> changes) {
+  u32 done = 0;
+  while (n - done >= 2 * kBlock && mapTwo(units + std::size_t{2} * done, changes)) done += 2 * kBlock;
+  return done + mapBlocksAvx2(units + std::size_t{2} * done, n - done, changes);
+}
+
+}  // namespace
+
+[[VARNIK_AVX512]] u32 upperBlocksAvx512(u8* units, u32 n) {
+  return mapBlocksAvx512(units, n, kUpper);
+}
+[[VARNIK_AVX512]] u32 lowerBlocksAvx512(u8* units, u32 n) {
+  return mapBlocksAvx512(units, n, kLower);
+}
+#endif
+
 u32 upperBlocks(u8* units, u32 n) {
+#if VARNIK_HAVE_AVX512
+  if (hasAvx512()) return upperBlocksAvx512(units, n);
+#endif
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return upperBlocksAvx2(units, n);
 #endif
   return upperBlocksScalar(units, n);
 }
 u32 lowerBlocks(u8* units, u32 n) {
+#if VARNIK_HAVE_AVX512
+  if (hasAvx512()) return lowerBlocksAvx512(units, n);
+#endif
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return lowerBlocksAvx2(units, n);
 #endif

@@ -18,5 +18,9 @@ u32 lowerBlocksScalar(u8* units, u32 n);
 u32 upperBlocksAvx2(u8* units, u32 n);
 u32 lowerBlocksAvx2(u8* units, u32 n);
 #endif
+#if VARNIK_HAVE_AVX512
+u32 upperBlocksAvx512(u8* units, u32 n);
+u32 lowerBlocksAvx512(u8* units, u32 n);
+#endif
 
 }  // namespace vk_simd

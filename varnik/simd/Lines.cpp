@@ -109,7 +109,28 @@ namespace {
 }
 #endif
 
+#if VARNIK_HAVE_AVX512
+// An LF must stand behind each CR and nowhere else; what lies behind the data reads as zero bytes, so that a last CR
+// fails.
+[[VARNIK_AVX512]] bool hasBareLineEndAvx512(const u8* data, u32 n) {
+  const __m512i cr = _mm512_set1_epi8(kCr), lf = _mm512_set1_epi8(kLf);
+  u64 carried = 0;  // 1 behind a CR
+  u32 i = 0;
+  for (; n - i >= 64; i += 64) {
+    const __m512i block = _mm512_loadu_si512(data + i);
+    const u64 returns = _mm512_cmpeq_epi8_mask(block, cr), feeds = _mm512_cmpeq_epi8_mask(block, lf);
+    if ((returns << 1 | carried) != feeds) return true;
+    carried = returns >> 63;
+  }
+  const __m512i rest = _mm512_maskz_loadu_epi8(_bzhi_u64(~u64{0}, n - i), data + i);
+  return (_mm512_cmpeq_epi8_mask(rest, cr) << 1 | carried) != _mm512_cmpeq_epi8_mask(rest, lf);
+}
+#endif
+
 bool hasBareLineEnd(const u8* data, u32 n) {
+#if VARNIK_HAVE_AVX512
+  if (hasAvx512()) return hasBareLineEndAvx512(data, n);
+#endif
 #if VARNIK_HAVE_AVX2
   if (hasAvx2()) return hasBareLineEndAvx2(data, n);
 #endif

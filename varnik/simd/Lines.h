@@ -21,5 +21,8 @@ bool hasBareLineEndAvx2(const u8* data, u32 n);
 u32 behindLastLineEndAvx2(const u8* data, u32 from, u32 to);
 bool oddBytesAreZeroAvx2(const u8* data, u32 n);
 #endif
+#if VARNIK_HAVE_AVX512
+bool hasBareLineEndAvx512(const u8* data, u32 n);
+#endif
 
 }  // namespace vk_simd
