@@ -36,12 +36,15 @@ inline bool hasAvx2() {
 #endif
 }
 
-#if VARNIK_HAVE_AVX2
-/// Returns true when AMD made the processor.
+/// Returns true when AMD made the processor: its string instruction, by which libraries and systems copy, minds where
+/// the areas lie.
 inline bool isAmd() {
+#if defined(__x86_64__)
   return __builtin_cpu_is("amd") != 0;
-}
+#else
+  return false;
 #endif
+}
 
 /// Returns true when the processor has AVX-512 with the byte permutations that came after its first generations, whose
 /// clock its use lowered. All that do count leading zeros, too.

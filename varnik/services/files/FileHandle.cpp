@@ -9,6 +9,7 @@
 
 #include "varnik/services/files/internal/Posix.h"
 #include "varnik/services/memory/Memory.h"
+#include "varnik/simd/Cpu.h"
 
 namespace {
 
@@ -22,13 +23,13 @@ std::uintptr_t roundUp(std::uintptr_t address, u32 to) {
   return (address + to - 1) & ~std::uintptr_t{to - 1};
 }
 
-// Reads from a descriptor, piece by piece. The system copies from whole pages, and on some processors does so several
-// times slower to an area that begins just behind a page's start, where the allocator puts large blocks. Such an area
-// is filled by way of a station that begins with a page.
+// Reads from a descriptor, piece by piece. The system copies from whole pages, and on AMD's processors does so several
+// times slower to an area that begins just behind a page's start, where the allocator puts large blocks. There such an
+// area is filled by way of a station that begins with a page.
 class Reader {
  public:
   Reader(int descriptor, u8* area, u32 n) : descriptor_(descriptor) {
-    if (n < kBulk) return;
+    if (n < kBulk || !vk_simd::isAmd()) return;
     if (reinterpret_cast<std::uintptr_t>(area) % kLine == 0) return;
     block_.reset(allocByteArray(kStation + kPage));  // without one the plain way is gone
     if (block_) station_ = reinterpret_cast<u8*>(roundUp(reinterpret_cast<std::uintptr_t>(block_.get()), kPage));
