@@ -58,6 +58,7 @@ struct Spread {
   const __m512i tens = _mm512_sub_epi16(tenths, _mm512_mullo_epi16(hundreds, ten));
   const __m512i lower = _mm512_or_si512(hundreds, _mm512_slli_epi16(tens, 8));
   const __m512i text = _mm512_or_si512(lower, _mm512_maskz_slli_epi32(0xFFFF, units, 16));
+  // Each value stands beside its four characters: hundreds are there from 100 on, tens from 10 on.
   const __m512i fourTimes = _mm512_mullo_epi16(_mm512_or_si512(values, _mm512_maskz_slli_epi32(0xFFFF, values, 16)),
                                                _mm512_set1_epi16(0x0101));
   return {_mm512_add_epi8(text, _mm512_set1_epi32(0x2C303030)),

@@ -179,12 +179,9 @@ namespace {
     u64 drop = carried;
     carried = 0;
     if (const u64 marked = _mm512_cmpeq_epi8_mask(bytes, markers); marked != 0) {
-      const __m512i high = hexValues(load64(text + i + 1, left - 1), table);
-      const __m512i low = hexValues(load64(text + i + 2, left > 2 ? left - 2 : 0), table);
-      const u64 escapes = marked & ~_mm512_movepi8_mask(_mm512_or_si512(high, low));
-      const __m512i upper = _mm512_slli_epi16(_mm512_and_si512(high, _mm512_set1_epi8(15)), 4);
-      const __m512i values = _mm512_or_si512(upper, low);
-      bytes = _mm512_mask_mov_epi8(bytes, escapes, values);
+      const __m512i second = load64(text + i + 1, left - 1), third = load64(text + i + 2, left > 2 ? left - 2 : 0);
+      const auto [unescaped, escapes] = unescape64(bytes, second, third, marked, table);
+      bytes = unescaped;
       drop |= escapes << 1 | escapes << 2;
       carried = escapes >> 63 | escapes >> 62;
     }

@@ -130,10 +130,8 @@ namespace {
     const u64 soft = marked & ends;
     u64 two = soft, three = soft & pairs;  // what takes two characters and more, and what takes three
     if ((marked & ~soft) != 0) {
-      const __m512i high = hexValues(second, table), low = hexValues(third, table);
-      const u64 escapes = marked & ~_mm512_movepi8_mask(_mm512_or_si512(high, low));
-      const __m512i upper = _mm512_slli_epi16(_mm512_and_si512(high, _mm512_set1_epi8(15)), 4);
-      bytes = _mm512_mask_mov_epi8(bytes, escapes, _mm512_or_si512(upper, low));
+      const auto [unescaped, escapes] = unescape64(bytes, second, third, marked, table);
+      bytes = unescaped;
       two |= escapes;
       three |= escapes;
     }

@@ -33,5 +33,21 @@ struct HexTable {
                                    _mm512_set1_epi8(static_cast<char>(0x80)), kFirstOrBothOthers);
 }
 
+/// 64 characters, those where an escape begins turned into the byte that it stands for, and a bit for each of these.
+struct Unescaped512 {
+  __m512i bytes;
+  u64 escapes;
+};
+
+/// Takes those of `text` that `marked` tells and two digits follow as escapes; `second` and `third` are the same text
+/// from one and two characters later on.
+[[VARNIK_AVX512]] inline Unescaped512 unescape64(__m512i text, __m512i second, __m512i third, u64 marked,
+                                                 const HexTable& table) {
+  const __m512i high = hexValues(second, table), low = hexValues(third, table);
+  const u64 escapes = marked & ~_mm512_movepi8_mask(_mm512_or_si512(high, low));
+  const __m512i upper = _mm512_slli_epi16(_mm512_and_si512(high, _mm512_set1_epi8(15)), 4);
+  return {_mm512_mask_mov_epi8(text, escapes, _mm512_or_si512(upper, low)), escapes};
+}
+
 }  // namespace vk_simd
 #endif
