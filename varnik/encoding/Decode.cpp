@@ -6,7 +6,6 @@
 #include "varnik/encoding/internal/SelfAlias.h"
 #include "varnik/services/charset/CharsetNames.h"
 #include "varnik/services/charset/EncodingConvert.h"
-#include "varnik/services/codecs/EncodingIds.h"
 #include "varnik/services/codecs/UrlCodec.h"
 #include "varnik/services/codecs/internal/EncodingTable.h"
 #include "varnik/services/memory/Text.h"
@@ -156,8 +155,7 @@ bool DataBuffer::appendEncoded(const char* text, const char* name) {
   if (!text) return true;
   if (!name) return false;
   if (*text == 0) return true;
-  LogNull log;
-  const s32 id = _clsEncode::encodingIdForName(name, log);
+  const s32 id = vk_codec::decoderIdForName(name);
   return id != 0 ? appendEncodedById(text, id) : appendByCharset(text, name, *this);
 }
 

@@ -3,6 +3,5 @@
 #include "varnik/services/codecs/internal/EncodingTable.h"
 
 s32 _clsEncode::encodingIdForName(const char* name, LogBase&) {
-  const vk_codec::EncodingName* const row = name ? vk_codec::findEncodingName(name) : nullptr;
-  return row ? vk_codec::factsOf(row->codec).decoderId : 0;
+  return name ? vk_codec::decoderIdForName(name) : 0;
 }

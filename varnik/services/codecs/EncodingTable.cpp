@@ -210,4 +210,9 @@ const EncodingName* findEncodingName(std::string_view name) {
   return row ? row : findTrimmed(name);
 }
 
+s32 decoderIdForName(std::string_view name) {
+  const EncodingName* const row = findEncodingName(name);
+  return row ? factsOf(row->codec).decoderId : 0;
+}
+
 }  // namespace vk_codec

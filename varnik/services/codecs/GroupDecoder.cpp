@@ -23,6 +23,44 @@ u64 littleEndian(u64 word) {
   return std::endian::native == std::endian::big ? __builtin_bswap64(word) : word;
 }
 
+constexpr u32 kMostChars = 8;         // of the largest group, which is at least its bytes
+constexpr u32 kNoGroup = 0xFFFFFFFF;  // instead of a number of bytes
+
+// Where padding and white space at the very end begin. They are kept from the kernels, which would leave a whole block
+// for their sake.
+u32 contentLength(const char* text, u32 n) {
+  constexpr u32 kMostAtEnd = 8;
+  u32 end = n;
+  while (end != 0 && n - end < kMostAtEnd && (text[end - 1] == '=' || vk_simd::isWhiteSpace(text[end - 1]))) --end;
+  return end;
+}
+
+// Decodes the `n` characters of a last group that is not whole to `to`, which has room for a whole one, and returns how
+// many bytes they were, or `kNoGroup`. It is filled with zeros: the bytes that it has no bits for must be zero then. A
+// last character that completes no byte is one too many. The characters are joined in a register, as the processor
+// lets a kernel's wide load wait for narrow stores just made.
+template <const GroupFormat& format>
+u32 decodeLastGroup(const char* chars, u32 n, u8* to) {
+  const u32 count = n * format.bits / 8;
+  if (n == 0) return 0;
+  if (count == (n - 1) * format.bits / 8) return kNoGroup;
+  u64 word = ~u64{0} / 0xFF * static_cast<u8>(format.zero);
+  for (u32 k = n; k-- != 0;) word = word << 8 | static_cast<u8>(chars[k]);
+  char group[kMostChars];
+  word = littleEndian(word);
+  std::memcpy(group, &word, sizeof word);
+  if (format.decode(group, format.chars, to) != format.chars) return kNoGroup;
+  u8 spare = 0;
+  for (u32 k = count; k < format.bytes; ++k) spare |= to[k];
+  return spare == 0 ? count : kNoGroup;
+}
+
+// A text up to where its first run of groups ends.
+struct FirstRun {
+  u32 start, used;  // characters: white space before it, and its own
+  u32 end;          // where padding and white space at the very end of the text begin
+};
+
 // One run over a text. White space that stands between groups only parts the text into runs, which the kernels take
 // straight from there, equal lines all at once. From anything else on, the text is gathered piece by piece without its
 // white space.
@@ -32,18 +70,18 @@ class Decoding {
   // `to` has room for the bytes of all `n` characters, a group that is not whole counted whole.
   Decoding(const char* text, u32 n, u8* to) : text_(text), n_(n), to_(to) {}
 
-  DecodeResult run();
+  DecodeResult run(const FirstRun& first);
   u32 written() const { return written_; }
 
  private:
-  static constexpr u32 kPiece = 4096, kMostChars = 8;  // of the largest group, which is at least its bytes
+  static constexpr u32 kPiece = 4096;
 
-  bool decodeRuns();
+  bool decodeRuns(const FirstRun& first);
   void decodeLines(u32 length);
   void count(u32 chars);
   bool decodeTail(u32 end);
   bool decodeHeld();
-  bool decodeLastGroup(const char* chars, u32 n);
+  bool decodeLast(const char* chars, u32 n);
   DecodeResult skipPadding();
   void skipWhiteSpace();
   u32 skippedAt(u32 at) const;
@@ -72,23 +110,22 @@ void Decoding<format>::skipWhiteSpace() {
   while (at_ < n_ && vk_simd::isWhiteSpace(text_[at_])) ++at_;
 }
 
-// Padding at the very end is kept from the kernels, which would leave a whole block for its sake. True when only that
-// is left to be looked at.
+// True when only padding is left to be looked at.
 template <const GroupFormat& format>
-bool Decoding<format>::decodeRuns() {
-  constexpr u32 kWorthARun = 16, kMostAtEnd = 8;
-  u32 end = n_;
-  while (end != 0 && n_ - end < kMostAtEnd && (text_[end - 1] == '=' || vk_simd::isWhiteSpace(text_[end - 1]))) --end;
-  for (bool first = true;; first = false) {
-    skipWhiteSpace();
-    if (at_ >= end) return true;
-    const u32 used = format.decode(text_ + at_, end - at_, to_ + written_);
+bool Decoding<format>::decodeRuns(const FirstRun& first) {
+  constexpr u32 kWorthARun = 16;
+  at_ = first.start;
+  for (u32 used = first.used; at_ < first.end;) {
+    const bool isFirst = decoded_ == 0;
     at_ += used;
     count(used);
-    if (end - at_ < format.chars) return decodeTail(end);
+    if (first.end - at_ < format.chars) return decodeTail(first.end);
     if (used < kWorthARun || !vk_simd::isWhiteSpace(text_[at_])) return false;
-    if (first && format.decodeLines) decodeLines(used);
+    if (isFirst && format.decodeLines) decodeLines(used);
+    skipWhiteSpace();
+    if (at_ < first.end) used = format.decode(text_ + at_, first.end - at_, to_ + written_);
   }
+  return true;
 }
 
 // Lines as encoders write them: the first one, which ends here, tells their length and their end.
@@ -105,7 +142,7 @@ void Decoding<format>::decodeLines(u32 length) {
 // Less than a group is left before the padding.
 template <const GroupFormat& format>
 bool Decoding<format>::decodeTail(u32 end) {
-  if (!decodeLastGroup(text_ + at_, end - at_)) return false;  // white space or a fault: the long way will tell
+  if (!decodeLast(text_ + at_, end - at_)) return false;  // white space or a fault: the long way will tell
   at_ = end;
   return true;
 }
@@ -155,25 +192,11 @@ DecodeResult Decoding<format>::faultAt(u32 at) const {
   return DecodeResult::fault(at);
 }
 
-// A group that is not whole is filled with zeros: the bytes that it has no bits for must be zero then. A last character
-// that completes no byte is one too many. The characters are joined in a register, as the processor lets a kernel's
-// wide load wait for narrow stores just made.
 template <const GroupFormat& format>
-bool Decoding<format>::decodeLastGroup(const char* chars, u32 n) {
-  const u32 count = n * format.bits / 8;
-  if (n == 0) return true;
-  if (count == (n - 1) * format.bits / 8) return false;
-  u64 word = ~u64{0} / 0xFF * static_cast<u8>(format.zero);
-  for (u32 k = n; k-- != 0;) word = word << 8 | static_cast<u8>(chars[k]);
-  char group[kMostChars];
-  word = littleEndian(word);
-  std::memcpy(group, &word, sizeof word);
-  u8* const bytes = to_ + written_;
-  if (format.decode(group, format.chars, bytes) != format.chars) return false;
-  u8 spare = 0;
-  for (u32 k = count; k < format.bytes; ++k) spare |= bytes[k];
-  if (spare != 0) return false;
-  written_ += count;
+bool Decoding<format>::decodeLast(const char* chars, u32 n) {
+  const u32 bytes = decodeLastGroup<format>(chars, n, to_ + written_);
+  if (bytes == kNoGroup) return false;
+  written_ += bytes;
   return true;
 }
 
@@ -192,8 +215,8 @@ DecodeResult Decoding<format>::skipPadding() {
 }
 
 template <const GroupFormat& format>
-DecodeResult Decoding<format>::run() {
-  if (decodeRuns()) return skipPadding();
+DecodeResult Decoding<format>::run(const FirstRun& first) {
+  if (decodeRuns(first)) return skipPadding();
   while (at_ < n_) {
     u32 gathered = 0;
     at_ += vk_simd::gatherText(text_ + at_, n_ - at_, held_ + numHeld_, kPiece - numHeld_, gathered);
@@ -205,20 +228,46 @@ DecodeResult Decoding<format>::run() {
     if (skipped == 0) return faultAt(at_);
     at_ += skipped;
   }
-  return decodeLastGroup(held_, numHeld_) ? skipPadding() : faultAt(offsetOf(decoded_ + numHeld_ - 1));
+  return decodeLast(held_, numHeld_) ? skipPadding() : faultAt(offsetOf(decoded_ + numHeld_ - 1));
+}
+
+// Out of line, as short texts notice the stack that it takes.
+template <const GroupFormat& format>
+[[gnu::noinline]] DecodeResult decodeFrom(const FirstRun& first, const char* text, u32 n, u8* to, DataBuffer& out) {
+  Decoding<format> decoding(text, n, to);
+  const DecodeResult result = decoding.run(first);
+  out.addToSize(decoding.written());
+  return result;
+}
+
+template <const GroupFormat& format>
+bool isPadding(const char* text, u32 n) {
+  u32 padding = 0;
+  for (u32 i = 0; i < n; ++i) padding += text[i] == '=';
+  return padding <= format.mostPadding;
 }
 
 }  // namespace
 
+// A text that is one run and its padding, as most are, ends here.
 template <const GroupFormat& format>
 DecodeResult decodeGroups(const char* text, u32 n, DataBuffer& out) {
   if (n == 0) return DecodeResult::good();
   u8* const to = roomFor(out, (u64{n} + format.chars - 1) / format.chars * format.bytes);
   if (!to) return DecodeResult::noMemory();
-  Decoding<format> decoding(text, n, to);
-  const DecodeResult result = decoding.run();
-  out.addToSize(decoding.written());
-  return result;
+  u32 start = 0;
+  while (start < n && vk_simd::isWhiteSpace(text[start])) ++start;
+  const u32 end = start + contentLength(text + start, n - start);
+  const u32 used = format.decode(text + start, end - start, to), left = end - start - used;
+  if (left < format.chars && isPadding<format>(text + end, n - end)) {
+    const u32 bytes = used / format.chars * format.bytes;
+    const u32 last = decodeLastGroup<format>(text + end - left, left, to + bytes);
+    if (last != kNoGroup) {
+      out.addToSize(bytes + last);
+      return DecodeResult::good();
+    }
+  }
+  return decodeFrom<format>({start, used, end}, text, n, to, out);
 }
 
 template DecodeResult decodeGroups<kBase64>(const char*, u32, DataBuffer&);
