@@ -169,7 +169,7 @@ namespace {
 
 // As in the AVX2 form an escape's digits are dropped from its block or the next one.
 [[VARNIK_AVX512]] u32 unescapeHexAvx512(u8 marker, const u8* text, u32 n, u32, u8* out) {
-  const HexTable table = hexTable();
+  const __m512i table = hexTable();
   const __m512i markers = _mm512_set1_epi8(static_cast<char>(marker));
   u8* p = out;
   u64 carried = 0;  // the characters at the front of the block that belong to the last one's escapes

@@ -110,7 +110,7 @@ namespace {
 // Where lines end follows no pattern that could be foreseen: soft breaks are dropped without a branch.
 [[VARNIK_AVX512]] void Reader::takeBlocks() {
   constexpr u32 kBlock = 64, kReach = kBlock + 2;
-  const HexTable table = hexTable();
+  const __m512i table = hexTable();
   u64 carried = 0;  // the characters at the front of the block that belong to an escape or soft break of the last one
   while (n_ - i_ >= kReach) {
     const u8* const at = text_ + i_;
