@@ -140,6 +140,28 @@ TEST(Decode, GivesTheBytesAndThePlaceOfTheFault) {
     }
 }
 
+// The end of a long text is looked for while it is decoded where there is room: all is as if the length were known.
+TEST(Decode, FindsTheEndOfALongText) {
+  constexpr u32 kChunk = 16384, kLength = 3 * kChunk + 8;
+  GuardedBytes guarded(kLength + 1);
+  for (const s32 id : {3, 30, 1, 20})
+    for (const u32 n : {kChunk - 1, kChunk, kChunk + 1, 2 * kChunk, kLength})
+      for (const u32 room : {0U, 9000U, 20000U, kLength, 2 * kLength})
+        for (const std::string_view spoilt : {"", " ", "!", "=", "\r\n"})
+          for (const u32 at : {0U, kChunk - 1, kChunk, n - 3}) {
+            std::string text(n, '\0');
+            for (u32 i = 0; i < n; ++i) text[i] = "ABCDEF234567"[(i * i + i / 12) % 12];
+            text.replace(std::min(at, n - 3), spoilt.size(), spoilt);
+            const u8* const bytes = guarded.ending(text + '\0');
+            DataBuffer known, out;
+            ASSERT_TRUE((room == 0 || (known.ensureBuffer(room) && out.ensureBuffer(room))));
+            const bool ok = vk_decodeText(id, text.data(), n, known).ok;
+            ASSERT_EQ(out.appendEncodedById(reinterpret_cast<const char*>(bytes), id), ok) << id << " " << n;
+            ASSERT_EQ(textOf(out), textOf(known)) << id << " " << n << " " << room << " " << spoilt << " " << at;
+            ASSERT_EQ(out.getBufSize(), known.getBufSize()) << id << " " << n << " " << room;
+          }
+}
+
 TEST(Decode, KnowsNamesCharsetsAndNothing) {
   constexpr struct {
     const char *name, *text;

@@ -8,6 +8,7 @@
 #include "varnik/services/charset/EncodingConvert.h"
 #include "varnik/services/codecs/UrlCodec.h"
 #include "varnik/services/codecs/internal/EncodingTable.h"
+#include "varnik/services/codecs/internal/GroupDecoder.h"
 #include "varnik/services/memory/Text.h"
 #include "varnik/services/numbers/MpIntConvert.h"
 #include "varnik/services/strings/StringBuffer.h"
@@ -143,6 +144,27 @@ namespace {
   return out.appendEncodedById(text, CharsetNames::codePageForName(charset, nullptr));
 }
 
+// The decoder that finds the end of the text by itself; null where the length must be known first. Base64 finds it
+// only where it need not decide about an append.
+using TerminatedDecoder = DecodeResult (*)(const char* text, DataBuffer& out);
+TerminatedDecoder terminatedDecoder(s32 id, bool intoEmpty) {
+  switch (id) {
+    case 1:
+    case 24:
+      return intoEmpty ? vk_codec::decodeTerminatedGroups<vk_codec::kBase64> : nullptr;
+    case 10:
+    case 20:
+      return intoEmpty ? vk_codec::decodeTerminatedGroups<vk_codec::kBase64Url> : nullptr;
+    case 3:
+    case 25:
+      return vk_codec::decodeTerminatedGroups<vk_codec::kHex>;
+    case 30:
+      return vk_codec::decodeTerminatedGroups<vk_codec::kBase32>;
+    default:
+      return nullptr;
+  }
+}
+
 // For a text in `out` itself, which would move or be overwritten while it is read.
 [[gnu::noinline]] bool decodeCopy(s32 id, const char* text, u32 n, DataBuffer& out) {
   StringBuffer copy;
@@ -161,9 +183,9 @@ bool DataBuffer::appendEncoded(const char* text, const char* name) {
 
 bool DataBuffer::appendEncodedById(const char* text, s32 id) {
   if (!text || *text == 0) return true;
-  const u32 n = vk_strlen(text);
-  if (vk_pointsInto(text, data_, capacity_)) return decodeCopy(id, text, n, *this);
-  return vk_decodeText(id, text, n, *this).ok;
+  if (vk_pointsInto(text, data_, capacity_)) return decodeCopy(id, text, vk_strlen(text), *this);
+  if (const TerminatedDecoder decode = terminatedDecoder(id, empty())) return decode(text, *this).ok;
+  return vk_decodeText(id, text, vk_strlen(text), *this).ok;
 }
 
 bool DataBuffer::appendDecList(const char* text) {

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "varnik/services/codecs/internal/Room.h"
+#include "varnik/services/memory/Text.h"
 #include "varnik/simd/GatherText.h"
 
 namespace vk_codec {
@@ -121,7 +122,8 @@ bool Decoding<format>::decodeRuns(const FirstRun& first) {
     count(used);
     if (first.end - at_ < format.chars) return decodeTail(first.end);
     if (used < kWorthARun || !vk_simd::isWhiteSpace(text_[at_])) return false;
-    if (isFirst && format.decodeLines) decodeLines(used);
+    if constexpr (format.decodeLines != nullptr)
+      if (isFirst) decodeLines(used);
     skipWhiteSpace();
     if (at_ < first.end) used = format.decode(text_ + at_, first.end - at_, to_ + written_);
   }
@@ -247,20 +249,25 @@ bool isPadding(const char* text, u32 n) {
   return padding <= format.mostPadding;
 }
 
-}  // namespace
+constexpr u64 bytesOf(const GroupFormat& format, u64 chars) {
+  return (chars + format.chars - 1) / format.chars * format.bytes;
+}
 
-// A text that is one run and its padding, as most are, ends here.
+// `ahead` characters at the front, whole groups, were decoded before: their bytes stand behind the content of `out`.
+// They are decoded again where it must grow. A text that is one run and its padding, as most are, ends here.
 template <const GroupFormat& format>
-DecodeResult decodeGroups(const char* text, u32 n, DataBuffer& out) {
-  if (n == 0) return DecodeResult::good();
-  u8* const to = roomFor(out, (u64{n} + format.chars - 1) / format.chars * format.bytes);
+inline DecodeResult decodeFollowing(const char* text, u32 n, u32 ahead, DataBuffer& out) {
+  const u64 bytesNeeded = bytesOf(format, n);
+  if (out.getBufSize() - out.getSize() < bytesNeeded) ahead = 0;
+  u8* const to = roomFor(out, bytesNeeded);
   if (!to) return DecodeResult::noMemory();
   u32 start = 0;
   while (start < n && vk_simd::isWhiteSpace(text[start])) ++start;
-  const u32 end = start + contentLength(text + start, n - start);
-  const u32 used = format.decode(text + start, end - start, to), left = end - start - used;
+  const u32 end = start + contentLength(text + start, n - start), run = end - start - ahead;
+  const u32 used = ahead + format.decode(text + start + ahead, run, to + bytesOf(format, ahead));
+  const u32 left = end - start - used;
   if (left < format.chars && isPadding<format>(text + end, n - end)) {
-    const u32 bytes = used / format.chars * format.bytes;
+    const u32 bytes = static_cast<u32>(bytesOf(format, used));
     const u32 last = decodeLastGroup<format>(text + end - left, left, to + bytes);
     if (last != kNoGroup) {
       out.addToSize(bytes + last);
@@ -270,9 +277,44 @@ DecodeResult decodeGroups(const char* text, u32 n, DataBuffer& out) {
   return decodeFrom<format>({start, used, end}, text, n, to, out);
 }
 
+constexpr u32 kChunk = 16384;  // characters that stay in the first cache between the search for the NUL and the decoder
+
+// REQUIRES: at least `kChunk` characters before the NUL.
+template <const GroupFormat& format>
+[[gnu::noinline]] DecodeResult decodeLongTerminated(const char* text, DataBuffer& out) {
+  if (!out.checkValidityDb()) return DecodeResult::noMemory();
+  u8* const block = out.getData2();
+  const u32 room = block ? out.getBufSize() - out.getSize() : 0;
+  u32 seen = 0, ahead = 0;  // `seen` has no NUL before it
+  for (u32 next = kChunk; next == kChunk && ahead == seen; next = static_cast<u32>(strnlen(text + seen, kChunk))) {
+    seen += kChunk;
+    if (bytesOf(format, seen) > room || seen > ~u32{0} - kChunk) break;
+    ahead += format.decode(text + ahead, kChunk, block + out.getSize() + bytesOf(format, ahead));
+  }
+  const u64 n = u64{seen} + vk_strlen(text + seen);
+  return decodeFollowing<format>(text, static_cast<u32>(std::min<u64>(n, 0xFFFFFFFF)), ahead, out);
+}
+
+}  // namespace
+
+template <const GroupFormat& format>
+DecodeResult decodeGroups(const char* text, u32 n, DataBuffer& out) {
+  return n == 0 ? DecodeResult::good() : decodeFollowing<format>(text, n, 0, out);
+}
+
+template <const GroupFormat& format>
+DecodeResult decodeTerminatedGroups(const char* text, DataBuffer& out) {
+  const u32 n = static_cast<u32>(strnlen(text, kChunk));
+  return n < kChunk ? decodeGroups<format>(text, n, out) : decodeLongTerminated<format>(text, out);
+}
+
 template DecodeResult decodeGroups<kBase64>(const char*, u32, DataBuffer&);
 template DecodeResult decodeGroups<kBase64Url>(const char*, u32, DataBuffer&);
 template DecodeResult decodeGroups<kBase32>(const char*, u32, DataBuffer&);
 template DecodeResult decodeGroups<kHex>(const char*, u32, DataBuffer&);
+template DecodeResult decodeTerminatedGroups<kBase64>(const char*, DataBuffer&);
+template DecodeResult decodeTerminatedGroups<kBase64Url>(const char*, DataBuffer&);
+template DecodeResult decodeTerminatedGroups<kBase32>(const char*, DataBuffer&);
+template DecodeResult decodeTerminatedGroups<kHex>(const char*, DataBuffer&);
 
 }  // namespace vk_codec

@@ -66,7 +66,7 @@ VARNIK_API const EncodingName* findEncodingName(std::string_view name);
 VARNIK_API const CodecFacts& factsOf(TextCodec codec);
 
 /// The id that decodes what is encoded under the name; 0 when it is no encoding's name.
-VARNIK_API s32 decoderIdForName(std::string_view name);
+s32 decoderIdForName(std::string_view name);
 
 /// Cuts blanks, tabs, CR, LF, vertical tabs and form feeds at both ends.
 VARNIK_API std::string_view trimmed(std::string_view text);
