@@ -316,6 +316,24 @@ TEST(RoundTrip, CrossesTheBordersOfPieces) {
   EXPECT_FALSE(DataBuffer::encodeDB2("qp", bytesOf(bytes), countOf(bytes), out));
 }
 
+// Text of this length is written past the caches once there is room: at every offset it is the text written before.
+TEST(RoundTrip, WritesLargeTextsIntoUsedMemory) {
+  DataBuffer bytes = bufferOf(std::string((25 << 20) + 1, 'x'));
+  for (u32 i = 0; i < bytes.getSize(); ++i) bytes.getData2()[i] = static_cast<u8>(i * 37 + (i >> 8));
+  for (const char* const name : {"hex", "hexlower", "base64", "base64url", "modBase64"}) {
+    StringBuffer fresh, used;
+    ASSERT_TRUE(bytes.encodeDB(name, fresh) && used.append(fresh) && used.append("more than one line of room"));
+    const std::string_view want(fresh.getString(), fresh.getSize());
+    for (const std::string_view before : {"", "a", "ab", "abcd"}) {
+      const char* const block = used.getString();
+      used.weakClear();
+      ASSERT_TRUE(used.append(before.data()) && bytes.encodeDB(name, used));
+      EXPECT_EQ(used.getString(), block);
+      EXPECT_TRUE(std::string_view(used.getString(), used.getSize()).substr(before.size()) == want) << name << before;
+    }
+  }
+}
+
 TEST(Lines, EndAsTheirNameSays) {
   for (const u32 n : {0U, 1U, 56U, 57U, 58U, 114U, 500U}) {
     const std::string plain = randomBytes(n);

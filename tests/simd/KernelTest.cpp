@@ -67,10 +67,31 @@ void hold(const Forms& forms, const std::vector<Pieces>& contents, const std::st
 
 // ---- Text codecs ----
 
+// The forms of a kernel that writes past the caches and the scalar one of that which does not.
+#if VARNIK_HAVE_AVX2
+#define VARNIK_STREAM_FORMS(kernel) \
+  formsOf(vk_simd::kernel##Stream, vk_simd::kernel##Scalar, vk_simd::kernel##StreamAvx2)
+#else
+#define VARNIK_STREAM_FORMS(kernel) formsOf(vk_simd::kernel##Stream, vk_simd::kernel##Scalar, vk_simd::kernel##Scalar)
+#endif
+
+// What `write(out)` writes, `n` bytes with `behind` more before the unreadable page.
+template <class Write>
+std::string before(u32 behind, u32 n, Write write) {
+  return into(n + behind, [&](u8* out) {
+    std::memset(out + n, '.', behind);
+    write(out);
+    return n + behind;
+  });
+}
+
 TEST(Kernels, Hex) {
   for (const bool lower : {false, true}) {
     holdTwins(VARNIK_FORMS(hexEncode), {kAny}, [=](auto* run, const u8* data, u32 n) {
       return into(2 * n, [&](u8* out) { return run(data, n, lower, text(out)), 2 * n; });
+    });
+    holdTwins(VARNIK_STREAM_FORMS(hexEncode), {kAny}, [=](auto* run, const u8* data, u32 n) {
+      return before(n % 2, 2 * n, [&](u8* out) { run(data, n, lower, text(out)); });
     });
     holdTwins(VARNIK_FORMS(hexEncodeColons), {kAny}, [=](auto* run, const u8* data, u32 n) {
       const u32 chars = n == 0 ? 0 : 3 * n - 1;
@@ -96,6 +117,9 @@ TEST(Kernels, Base64) {
   for (const bool url : {false, true}) {
     holdTwins(VARNIK_FORMS_512(base64Encode), {kAny}, [=](auto* run, const u8* data, u32 n) {
       return into((n + 2) / 3 * 4, [&](u8* out) { return run(data, n, url, text(out)), (n + 2) / 3 * 4; });
+    });
+    holdTwins(VARNIK_STREAM_FORMS(base64Encode), {kAny}, [=](auto* run, const u8* data, u32 n) {
+      return before(n % 4, (n + 2) / 3 * 4, [&](u8* out) { run(data, n, url, text(out)); });
     });
     hold(VARNIK_FORMS_512(base64Decode), {digits, eachOf("Aa+/-_")}, "AZaz09+/", [=](auto* run, u8* data, u32 n) {
       return withGroups(4, 3, n, [&](u8* out) { return run(text(data), n, url, out); });

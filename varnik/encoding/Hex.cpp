@@ -7,6 +7,7 @@
 #include "varnik/buffer/DataBuffer.h"
 #include "varnik/encoding/internal/HexText.h"
 #include "varnik/encoding/internal/SelfAlias.h"
+#include "varnik/services/codecs/internal/Room.h"
 #include "varnik/services/strings/StringBuffer.h"
 
 namespace {
@@ -29,8 +30,9 @@ void appendRendered(u64 chars, u32 n, StringBuffer& out, Render render) {
 }
 
 void appendDigits(const u8* data, u32 n, bool lower, StringBuffer& out) {
+  const auto encode = vk_codec::isStreamed(out, u64{n} * 2) ? vk_simd::hexEncodeStream : vk_simd::hexEncode;
   appendRendered(u64{n} * 2, n, out, [=](u32 from, u32 to, char* place) {
-    vk_simd::hexEncode(data + from, to - from, lower, place);
+    encode(data + from, to - from, lower, place);
     return 2 * (to - from);
   });
 }

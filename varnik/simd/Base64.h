@@ -10,6 +10,8 @@ namespace vk_simd {
 
 /// Writes the `n` bytes as groups of four characters, padded with `=`; `url` takes `-` and `_` for 62 and 63.
 void base64Encode(const u8* in, u32 n, bool url, char* out);
+/// The same past the caches, which are left to what is in them: for texts of many MiB.
+void base64EncodeStream(const u8* in, u32 n, bool url, char* out);
 
 /// What ends a line: up to 8 characters.
 struct LineEnd {
@@ -37,6 +39,7 @@ u32 base64DecodeScalar(const char* in, u32 n, bool url, u8* out);
 u32 base64DecodeLinesScalar(const char* in, u32 n, u32 lineChars, std::string_view end, u8* out);
 #if VARNIK_HAVE_AVX2
 void base64EncodeAvx2(const u8* in, u32 n, bool url, char* out);
+void base64EncodeStreamAvx2(const u8* in, u32 n, bool url, char* out);
 void base64EncodeLinesAvx2(const u8* in, u32 n, u32 lineBytes, const LineEnd& end, char* out);
 u32 base64DecodeAvx2(const char* in, u32 n, bool url, u8* out);
 u32 base64DecodeLinesAvx2(const char* in, u32 n, u32 lineChars, std::string_view end, u8* out);
@@ -48,6 +51,7 @@ u32 base64DecodeLinesNeon(const char* in, u32 n, u32 lineChars, std::string_view
 #endif
 #if VARNIK_HAVE_AVX512
 void base64EncodeAvx512(const u8* in, u32 n, bool url, char* out);
+void base64EncodeStreamAvx512(const u8* in, u32 n, bool url, char* out);
 void base64EncodeLinesAvx512(const u8* in, u32 n, u32 lineBytes, const LineEnd& end, char* out);
 u32 base64DecodeAvx512(const char* in, u32 n, bool url, u8* out);
 u32 base64DecodeLinesAvx512(const char* in, u32 n, u32 lineChars, std::string_view end, u8* out);

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "varnik/simd/Base64.h"
+#include "varnik/simd/internal/Stream.h"
 
 #if VARNIK_HAVE_AVX512
 #include <immintrin.h>
@@ -122,6 +123,19 @@ struct Decoded {
 
 [[VARNIK_AVX512]] void base64EncodeAvx512(const u8* in, u32 n, bool url, char* out) {
   if (n != 0) encodeAll(in, n, load(kAlphabets[url].data()), out);
+}
+
+// As the AVX2 form, a line of the cache a block.
+[[VARNIK_AVX512]] void base64EncodeStreamAvx512(const u8* in, u32 n, bool url, char* out) {
+  const u32 before = charsBeforeLine(out), bytesBefore = before / 4 * 3;
+  if (before % 4 != 0 || bytesBefore > n) return base64EncodeAvx512(in, n, url, out);
+  base64EncodeAvx512(in, bytesBefore, url, out);
+  in += bytesBefore, n -= bytesBefore, out += before;
+  const __m512i letters = load(kAlphabets[url].data());
+  for (; n >= kBlockChars; in += kBlockBytes, n -= kBlockBytes, out += kBlockChars)
+    _mm512_stream_si512(reinterpret_cast<__m512i*>(out), encoded(load(in), letters));
+  _mm_sfence();
+  base64EncodeAvx512(in, n, url, out);
 }
 
 // While enough follows, whole blocks are loaded and stored; what they write behind a line is overwritten.

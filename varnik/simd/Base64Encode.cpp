@@ -2,6 +2,7 @@
 
 #include "varnik/simd/Base64.h"
 #include "varnik/simd/Branchless.h"
+#include "varnik/simd/internal/Stream.h"
 
 #if VARNIK_HAVE_AVX2
 #include <immintrin.h>
@@ -98,10 +99,13 @@ template <char first, char second>
 }
 
 // Reads no byte but the block's own: the second load begins earlier, so that it ends with the block.
-[[VARNIK_AVX2]] inline void encodeBlock(const u8* in, __m256i offset, char* out) {
+[[VARNIK_AVX2]] inline __m256i encodedBlock(const u8* in, __m256i offset) {
   const __m128i front = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in));
   const __m128i back = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + 8));
-  store(out, encodedFrom<0, 4>(_mm256_set_m128i(back, front), offset));
+  return encodedFrom<0, 4>(_mm256_set_m128i(back, front), offset);
+}
+[[VARNIK_AVX2]] inline void encodeBlock(const u8* in, __m256i offset, char* out) {
+  store(out, encodedBlock(in, offset));
 }
 
 // One load. REQUIRES: `kMargin` readable bytes on either side.
@@ -163,6 +167,19 @@ template <char first, char second>
   encodeLine(in, n, offset, out);
 }
 
+// Whole lines of the cache, so that none is read before it is written.
+[[VARNIK_AVX2]] void base64EncodeStreamAvx2(const u8* in, u32 n, bool url, char* out) {
+  const u32 before = charsBeforeLine(out), bytesBefore = before / 4 * 3;
+  if (before % 4 != 0 || bytesBefore > n) return base64EncodeAvx2(in, n, url, out);
+  base64EncodeAvx2(in, bytesBefore, url, out);
+  in += bytesBefore, n -= bytesBefore, out += before;
+  const __m256i offset = offsets(url);
+  for (; n >= 2 * kBlockBytes; in += 2 * kBlockBytes, n -= 2 * kBlockBytes, out += 2 * kBlockChars)
+    streamLine(out, encodedBlock(in, offset), encodedBlock(in + kBlockBytes, offset));
+  _mm_sfence();
+  base64EncodeAvx2(in, n, url, out);
+}
+
 // The first line has no bytes before it, and the last ones have no whole block behind them. While another line follows,
 // its first characters may take what is stored behind a line's end.
 [[VARNIK_AVX2]] void base64EncodeLinesAvx2(const u8* in, u32 n, u32 lineBytes, const LineEnd& end, char* out) {
@@ -194,6 +211,16 @@ void base64Encode(const u8* in, u32 n, bool url, char* out) {
   return base64EncodeNeon(in, n, url, out);
 #endif
   base64EncodeScalar(in, n, url, out);
+}
+
+void base64EncodeStream(const u8* in, u32 n, bool url, char* out) {
+#if VARNIK_HAVE_AVX512
+  if (hasAvx512()) return base64EncodeStreamAvx512(in, n, url, out);
+#endif
+#if VARNIK_HAVE_AVX2
+  if (hasAvx2()) return base64EncodeStreamAvx2(in, n, url, out);
+#endif
+  base64Encode(in, n, url, out);
 }
 
 void base64EncodeLines(const u8* in, u32 n, u32 lineBytes, const LineEnd& end, char* out) {

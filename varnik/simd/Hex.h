@@ -8,6 +8,8 @@ namespace vk_simd {
 
 /// Writes two digits a byte, 2 * `n` characters.
 void hexEncode(const u8* in, u32 n, bool lower, char* out);
+/// The same past the caches, which are left to what is in them: for texts of many MiB.
+void hexEncodeStream(const u8* in, u32 n, bool lower, char* out);
 /// The same with `:` between bytes, 3 * `n` - 1 characters. REQUIRES: `n` > 0.
 void hexEncodeColons(const u8* in, u32 n, bool lower, char* out);
 
@@ -21,6 +23,7 @@ void hexEncodeColonsScalar(const u8* in, u32 n, bool lower, char* out);
 u32 hexDecodeScalar(const char* in, u32 n, u8* out);
 #if VARNIK_HAVE_AVX2
 void hexEncodeAvx2(const u8* in, u32 n, bool lower, char* out);
+void hexEncodeStreamAvx2(const u8* in, u32 n, bool lower, char* out);
 void hexEncodeColonsAvx2(const u8* in, u32 n, bool lower, char* out);
 u32 hexDecodeAvx2(const char* in, u32 n, u8* out);
 #elif VARNIK_HAVE_NEON

@@ -1,5 +1,6 @@
 #include "varnik/simd/Branchless.h"
 #include "varnik/simd/Hex.h"
+#include "varnik/simd/internal/Stream.h"
 
 #if VARNIK_HAVE_AVX2
 #include <immintrin.h>
@@ -78,6 +79,19 @@ namespace {
   if (i < n) store32(out + 2 * (std::size_t{n} - 16), encode16(in + n - 16, digits));
 }
 
+// Whole lines of the cache, so that none is read before it is written.
+[[VARNIK_AVX2]] void hexEncodeStreamAvx2(const u8* in, u32 n, bool lower, char* out) {
+  const u32 before = charsBeforeLine(out), bytesBefore = before / 2;
+  if (before % 2 != 0 || bytesBefore > n) return hexEncodeAvx2(in, n, lower, out);
+  hexEncodeAvx2(in, bytesBefore, lower, out);
+  in += bytesBefore, n -= bytesBefore, out += before;
+  const __m256i digits = _mm256_broadcastsi128_si256(digits128(lower));
+  for (; n >= kLine / 2; in += kLine / 2, n -= kLine / 2, out += kLine)
+    streamLine(out, encode16(in, digits), encode16(in + 16, digits));
+  _mm_sfence();
+  hexEncodeAvx2(in, n, lower, out);
+}
+
 // Five bytes make 15 characters; the sixteenth that is stored is the next byte's first digit's place.
 [[VARNIK_AVX2]] void hexEncodeColonsAvx2(const u8* in, u32 n, bool lower, char* out) {
   const __m128i digits = digits128(lower);
@@ -97,6 +111,13 @@ void hexEncode(const u8* in, u32 n, bool lower, char* out) {
   return hexEncodeNeon(in, n, lower, out);
 #endif
   hexEncodeScalar(in, n, lower, out);
+}
+
+void hexEncodeStream(const u8* in, u32 n, bool lower, char* out) {
+#if VARNIK_HAVE_AVX2
+  if (hasAvx2()) return hexEncodeStreamAvx2(in, n, lower, out);
+#endif
+  hexEncode(in, n, lower, out);
 }
 
 void hexEncodeColons(const u8* in, u32 n, bool lower, char* out) {

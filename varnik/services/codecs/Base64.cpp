@@ -16,9 +16,10 @@ constexpr u64 charsFor(u32 bytes) {
 // One run of text, its last `dropped` characters left off.
 bool encodeRun(const u8* data, u32 n, bool url, u32 dropped, StringBuffer& out) {
   if (n == 0) return true;
+  const bool streamed = vk_codec::isStreamed(out, charsFor(n));
   u8* const to = vk_codec::roomFor(out, charsFor(n));
   if (!to) return false;
-  vk_simd::base64Encode(data, n, url, reinterpret_cast<char*>(to));
+  (streamed ? vk_simd::base64EncodeStream : vk_simd::base64Encode)(data, n, url, reinterpret_cast<char*>(to));
   out.addToSize(static_cast<u32>(charsFor(n) - dropped));
   return true;
 }

@@ -51,7 +51,9 @@ class VARNIK_API StringBuffer {
 
   /// Makes room for `n` more bytes and returns where they go, or null on failure; the size does not change. The
   /// producer writes there and calls `addToSize`. The pointer holds until the string changes.
-  char* getAppendPtr(u32 n) { return n < capacity_ - size_ || makeRoom(n) ? data_ + size_ : nullptr; }
+  char* getAppendPtr(u32 n) { return hasRoom(n) || makeRoom(n) ? data_ + size_ : nullptr; }
+  /// True when `n` bytes and a NUL fit behind the content without a larger block.
+  bool hasRoom(u32 n) const { return n < capacity_ - size_; }
   /// Counts `n` bytes written behind the content. REQUIRES: `getAppendPtr` gave room for them.
   void addToSize(u32 n) { setEnd(size_ + n); }
 

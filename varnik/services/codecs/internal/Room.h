@@ -23,6 +23,13 @@ u8* roomFor(Output& out, u64 n) {
   return n > 0xFFFFFFFF ? nullptr : appendPtrOf(out, static_cast<u32>(n));
 }
 
+/// True for a text of `n` characters that is better written past the caches: more than these keep, and to memory that
+/// is there already. What must be asked for comes from the system zeroed, and so through the caches.
+inline bool isStreamed(const StringBuffer& out, u64 n) {
+  constexpr u32 kLeast = 32U << 20;
+  return n >= kLeast && n <= 0xFFFFFFFF && out.hasRoom(static_cast<u32>(n));
+}
+
 /// Encodes long inputs piece by piece, so that no more than the worst case of one piece is reserved beyond what is
 /// written. `encode(from, n, to)` writes the text of a piece to `to` and returns its length; `perByte` is the most
 /// characters that a byte takes. It may write 32 characters beyond the most that the piece takes.
