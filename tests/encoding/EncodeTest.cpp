@@ -118,7 +118,8 @@ TEST(Encode, AgreesWithOtherPrograms) {
       EXPECT_TRUE(back.appendEncoded(text.c_str(), row.name) && textOf(back) == bytes) << text;
     }
   const std::string x75(75, 'x'), x76(76, 'x'), x73(73, 'x');  // the last column is free where the line ends by itself
-  for (const auto& [bytes, text] : {std::pair(x76 + "\r\n" + x76, x76 + "\r\n" + x76),
+  const std::string twoLines = std::string(x76).append("\r\n").append(x76);
+  for (const auto& [bytes, text] : {std::pair(twoLines, twoLines),
                                     {x76 + "x", x75 + "=\r\nxx"},
                                     {x75 + " ", x75 + "=\r\n=20"},
                                     {x73 + " \r\n", x73 + "=20\r\n"},

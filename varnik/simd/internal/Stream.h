@@ -14,7 +14,7 @@ inline constexpr u32 kLine = 64;
 
 /// How many characters stand before the next line of the cache.
 inline u32 charsBeforeLine(const char* at) {
-  return static_cast<u32>(-reinterpret_cast<std::uintptr_t>(at) % kLine);
+  return (kLine - static_cast<u32>(reinterpret_cast<std::uintptr_t>(at) % kLine)) % kLine;
 }
 
 /// Stores a line. The last one is followed by `_mm_sfence`: other threads see these stores out of order.
