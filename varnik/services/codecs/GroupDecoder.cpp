@@ -253,13 +253,11 @@ constexpr u64 bytesOf(const GroupFormat& format, u64 chars) {
   return (chars + format.chars - 1) / format.chars * format.bytes;
 }
 
-// `ahead` characters at the front, whole groups, were decoded before: their bytes stand behind the content of `out`.
-// They are decoded again where it must grow. A text that is one run and its padding, as most are, ends here.
+// `ahead` characters at the front, whole groups, were decoded before: their bytes stand behind the content of `out`,
+// which has room for all then. A text that is one run and its padding, as most are, ends here.
 template <const GroupFormat& format>
 inline DecodeResult decodeFollowing(const char* text, u32 n, u32 ahead, DataBuffer& out) {
-  const u64 bytesNeeded = bytesOf(format, n);
-  if (out.getBufSize() - out.getSize() < bytesNeeded) ahead = 0;
-  u8* const to = roomFor(out, bytesNeeded);
+  u8* const to = roomFor(out, bytesOf(format, n));
   if (!to) return DecodeResult::noMemory();
   u32 start = 0;
   while (start < n && vk_simd::isWhiteSpace(text[start])) ++start;
@@ -291,8 +289,9 @@ template <const GroupFormat& format>
     if (bytesOf(format, seen) > room || seen > ~u32{0} - kChunk) break;
     ahead += format.decode(text + ahead, kChunk, block + out.getSize() + bytesOf(format, ahead));
   }
-  const u64 n = u64{seen} + vk_strlen(text + seen);
-  return decodeFollowing<format>(text, static_cast<u32>(std::min<u64>(n, 0xFFFFFFFF)), ahead, out);
+  const u64 n = std::min<u64>(u64{seen} + vk_strlen(text + seen), 0xFFFFFFFF);
+  if (bytesOf(format, n) > room) ahead = 0;  // `out` grows, and takes only its content along
+  return decodeFollowing<format>(text, static_cast<u32>(n), ahead, out);
 }
 
 }  // namespace
